@@ -1,0 +1,214 @@
+// The level in memory: a pool of corner points, six-sided segments built on
+// them and joined side to side, the textures the sides use, placed objects,
+// static lights and special points, each in a fixed-capacity table whose slot
+// number is the entry's index for life. Also the editor's selection.
+#pragma once
+
+#include "math/vector3d.h"
+#include "platform/timer.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+class TEXTURE;
+class THING;
+class BINWRITER;
+
+constexpr int MAX_POINTS = 40000;
+constexpr int MAX_SEGMENTS = 5000;
+constexpr int MAX_TEXTURES = 200;
+constexpr int MAX_THINGS = 1000;
+constexpr int MAX_LIGHTS = 128;
+constexpr int MAX_SPECPOINTS = 256;
+
+constexpr int LEVEL_NAME_SIZE = 30;
+
+constexpr uint32_t SEGMENT_RECORD_SIZE = 736;
+constexpr uint32_t OLD_SEGMENT_RECORD_SIZE = 732; // written before segments had a type
+constexpr uint32_t SIDE_RECORD_SIZE = 112;
+constexpr uint32_t DOOR_RECORD_SIZE = 20;
+constexpr uint32_t STATICLIGHT_RECORD_SIZE = 28;
+constexpr uint32_t SPECPOINT_RECORD_SIZE = 16;
+
+enum WALLTYPE
+{
+    WALL_PASSABLE = 0,
+    WALL_NORMAL = 1,
+    WALL_DOOR = 2,
+    WALL_SHOOTTHROUGH = 3,
+    WALL_SEETHROUGH = 4,
+};
+
+enum SEGMENTTYPE
+{
+    SEGTYPE_NORMAL = 0,
+    SEGTYPE_RELOAD = 1,
+    SEGTYPE_REPAIR = 2,
+    SEGTYPE_SUPPORT = 3,
+};
+
+enum DOORSTATE
+{
+    DOOR_CLOSED = 0,
+    DOOR_OPENING = 1,
+    DOOR_OPEN = 2,
+    DOOR_CLOSING = 3,
+};
+
+struct DOOR
+{
+    uint32_t RecordSize = DOOR_RECORD_SIZE;
+    int32_t State = DOOR_CLOSED;
+    float Opening = 0.0f;
+    int32_t Reserved = 1;
+    int32_t SlideEdge = 0;
+};
+
+struct SIDE
+{
+    uint32_t RecordSize = SIDE_RECORD_SIZE;
+    int32_t Texture = -1;
+    int32_t WallType = WALL_PASSABLE;
+    TEXPAIR TexCoords[4] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    VECTOR3D Colours[4] = {{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}};
+    DOOR Door;
+};
+
+struct SEGMENT
+{
+    uint32_t RecordSize = SEGMENT_RECORD_SIZE;
+    int32_t Neighbours[6] = {-1, -1, -1, -1, -1, -1};
+    int32_t Corners[8] = {-1, -1, -1, -1, -1, -1, -1, -1}; // every creator fills them
+    SIDE Sides[6];
+    int32_t Type = SEGTYPE_NORMAL;
+};
+
+struct STATICLIGHT
+{
+    VECTOR3D Position;
+    VECTOR3D Colour;
+    float Brightness = 0.0f;
+};
+
+struct SPECPOINT
+{
+    VECTOR3D Position;
+    int32_t Type = 0; // 0: single-player start
+};
+
+// The corner slots of side i, for side corners 0 ... 3.
+extern const int SideCorners[6][4];
+// The side opposite side i.
+extern const int OppositeSide[6];
+// Corner slot positions of the default 200-unit cube.
+extern const VECTOR3D DefaultCubeCorners[8];
+
+class ORVLEVEL
+{
+public:
+    VECTOR3D** Points = nullptr;
+    SEGMENT** Segments = nullptr;
+    TEXTURE** Textures = nullptr;
+    THING** Things = nullptr;
+    STATICLIGHT** Lights = nullptr;
+    SPECPOINT** SpecPoints = nullptr;
+    char Name[LEVEL_NAME_SIZE] = {};
+    int32_t CurrentSide = 0;
+    int32_t CurrentSegment = -1;
+    int32_t CurrentPoint = 0;
+    TIMER* BlinkTimer = nullptr;
+    bool BlinkOn = false;
+    TEXTURE* InvisibleSideTexture = nullptr;
+    std::optional<std::string> FileName;
+    int32_t CurrentTexture = 0;
+    int32_t SparkCountdown = 0;
+    bool ListBuilt = false;
+    uint32_t DisplayList = 0;
+
+    // Builds the default level, then loads the file if a name is given.
+    explicit ORVLEVEL(const char* fileName = "");
+    ~ORVLEVEL();
+    ORVLEVEL(const ORVLEVEL&) = delete;
+    ORVLEVEL& operator=(const ORVLEVEL&) = delete;
+
+    void Clear();
+
+    // Adding: the lowest free slot, or -1 when the table is full.
+    int32_t Add(VECTOR3D p);
+    int32_t Add(const SEGMENT* s);
+    int32_t Add(const char* textureFile);
+    int32_t Add(STATICLIGHT l);
+    int32_t Add(SPECPOINT sp);
+    int32_t AddThing(THING* t);
+
+    // Deleting.
+    void DeletePoint(int32_t index);
+    void RemoveUnusedPoints();
+    void DeleteTexture(int32_t index);
+    void DeleteTextureAt(int32_t position);
+    void ReplaceTextureAt(const char* fileName, int32_t position);
+    void DeleteNearestLight(VECTOR3D from);
+    void DeleteNearestSpecPoint(VECTOR3D from);
+    void DeleteNearestThing(VECTOR3D from);
+
+    // Selection. A CurrentSegment naming an empty slot counts as no selection.
+    SEGMENT* GetCurrentSegment();
+    SIDE* GetCurrentSide();
+    VECTOR3D* GetCurrentPointPtr();
+    VECTOR3D** GetCurrentSidePoints();
+    int32_t* GetCurrentSideIndices();
+    VECTOR3D* GetCurrentSideCorners();
+    VECTOR3D* GetSideCorners(int32_t segment, int32_t side);
+    TEXPAIR* GetCurrentTexCoords();
+    void SetCurrentTexCoords(const TEXPAIR coords[4]);
+    void SelectTextureAt(int32_t position);
+    void ApplyTexture();
+    void ClearSideTexture();
+    void NextPointOnSide();
+
+    // Lookups.
+    int32_t SegmentIndexOf(const SEGMENT* s) const;
+    int32_t SideTowards(int32_t a, int32_t b) const;
+    int32_t SideTowardsPtr(int32_t a, const SEGMENT* b) const;
+    int32_t FindSegment(VECTOR3D p, SEGMENT** found = nullptr) const;
+    bool FindSpecPoint(VECTOR3D* position) const;
+    VECTOR3D RandomPointInSegment(const SEGMENT& s) const;
+    // The position of point `index`, or null when the index names no point.
+    const VECTOR3D* PointAt(int32_t index) const;
+
+    // Doors (game time).
+    void OpenDoor(int32_t segment, int32_t side);
+    void UpdateDoors();
+    int32_t DoorSlideEdge(int32_t segment, int32_t side) const;
+    VECTOR3D DoorOffset(int32_t segment, int32_t side) const;
+
+    // Level files.
+    void SaveLevel(const char* fileName);
+    void Save();
+    void LoadLevel(const char* fileName);
+
+    // The whole file image SaveLevel writes, without touching FileName.
+    std::vector<uint8_t> Serialize();
+    // Reads a file image over a cleared level (the body of LoadLevel).
+    void Deserialize(const uint8_t* data, size_t size);
+
+private:
+    void AllocateTables();
+    void FreeTables();
+    void BuildDefault();
+    int32_t FindFree(void* const* table, int count, int& hint);
+
+    // Lowest slot that may be free in each table: every slot below is in use.
+    int FreeHint[6] = {};
+
+    // Buffers behind the multi-value queries.
+    VECTOR3D* SidePointsBuffer[4] = {};
+    int32_t SideIndicesBuffer[4] = {};
+    VECTOR3D SideCornersBuffer[4];
+    TEXPAIR TexCoordsBuffer[4];
+};
+
+// The level every command, dialog and game object works on.
+extern ORVLEVEL* TheLevel;

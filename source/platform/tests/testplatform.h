@@ -1,0 +1,56 @@
+// A platform backend for tests: it records messages and beeps, lets a test set
+// the clock, and turns a fatal end into an exception the test can catch.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "platform/platform.h"
+
+#include <string>
+#include <vector>
+
+struct FATALEXIT
+{
+    int Status;
+};
+
+struct RECORDEDMESSAGE
+{
+    std::string Text;
+    std::string Caption;
+    MESSAGEICON Icon;
+};
+
+class TESTPLATFORM : public PLATFORM
+{
+public:
+    std::vector<RECORDEDMESSAGE> Messages;
+    int Beeps = 0;
+    uint32_t Now = 1000;
+
+    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
+    {
+        Messages.push_back({text, caption, icon});
+    }
+    void Beep() override { ++Beeps; }
+    [[noreturn]] void FatalExit(int status) override { throw FATALEXIT{status}; }
+    uint32_t TickCount() override { return Now; }
+
+    void Reset()
+    {
+        Messages.clear();
+        Beeps = 0;
+        Now = 1000;
+    }
+};
+
+// The backend every core test runs with (installed by the test main).
+TESTPLATFORM& TestPlatform();
+
+// Resets the recorded state before each test.
+class PlatformTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { TestPlatform().Reset(); }
+    TESTPLATFORM& P() { return TestPlatform(); }
+};

@@ -1,0 +1,172 @@
+#include "things/thing.h"
+
+#include "math/geometry.h"
+#include "math/random.h"
+#include "orvlevel/binio.h"
+
+#include <cmath>
+
+namespace {
+constexpr float RAND_SCALE = 1.0f / 32767.0f;
+}
+
+THING::~THING() = default;
+
+void THING::Draw() {}
+
+void THING::Update() {}
+
+void THING::Control(int32_t how, float amount, int32_t, int32_t, int32_t, int32_t)
+{
+    MoveFrame(how, amount, &position, &axisX, &axisY, &axisZ);
+}
+
+void THING::DrawCockpit() {}
+
+void THING::AfterLoad() {}
+
+void THING::WriteRecord(BINWRITER&, int32_t) {}
+
+bool THING::CollideBodyPoint(float, float, float, SEGMENT*)
+{
+    return false;
+}
+
+void THING::WriteMembers(BINWRITER& out) const
+{
+    out.Vec(position);
+    out.Vec(oldPosition);
+    out.Vec(axisY);
+    out.Vec(axisZ);
+    out.Vec(axisX);
+    out.Vec(oldAxisY);
+    out.Vec(oldAxisZ);
+    out.Vec(oldAxisX);
+    out.I32(segment);
+    out.I32(lastSegment);
+    out.F32(outerRadius);
+    out.F32(innerRadius);
+    out.Bool(hit);
+    out.Bool(ghost);
+    out.Bool(dead);
+    out.F32(boxZLow);
+    out.F32(boxZHigh);
+    out.F32(boxYLow);
+    out.F32(boxYHigh);
+    out.F32(boxXLow);
+    out.F32(boxXHigh);
+    out.F32(pushDistance);
+}
+
+bool THING::ReadMembers(BINREADER& in)
+{
+    return in.Vec(position) && in.Vec(oldPosition) && in.Vec(axisY) && in.Vec(axisZ) && in.Vec(axisX) &&
+           in.Vec(oldAxisY) && in.Vec(oldAxisZ) && in.Vec(oldAxisX) && in.I32(segment) && in.I32(lastSegment) &&
+           in.F32(outerRadius) && in.F32(innerRadius) && in.Bool(hit) && in.Bool(ghost) && in.Bool(dead) &&
+           in.F32(boxZLow) && in.F32(boxZHigh) && in.F32(boxYLow) && in.F32(boxYHigh) && in.F32(boxXLow) &&
+           in.F32(boxXHigh) && in.F32(pushDistance);
+}
+
+void THING::WriteClassRecord(BINWRITER& out, int32_t index) const
+{
+    out.I32(index);
+    out.Text(ClassName(), THING_CLASS_NAME_SIZE);
+    out.I32(RecordSize());
+    WriteMembers(out);
+}
+
+THINGBOX THING::GetBox() const
+{
+    THINGBOX b;
+    b.Centre = position + axisX * ((boxXHigh + boxXLow) * 0.5f) + axisY * ((boxYHigh + boxYLow) * 0.5f) +
+               axisZ * ((boxZHigh + boxZLow) * 0.5f);
+    b.HalfZ = axisZ * ((std::fabs(boxZLow) + std::fabs(boxZHigh)) * 0.5f);
+    b.HalfY = axisY * ((std::fabs(boxYLow) + std::fabs(boxYHigh)) * 0.5f);
+    b.HalfX = axisX * ((std::fabs(boxXLow) + std::fabs(boxXHigh)) * 0.5f);
+    return b;
+}
+
+VECTOR3D THING::RandomBoxOffset() const
+{
+    THINGBOX b = GetBox();
+    float r1 = Rand() * RAND_SCALE;
+    float r2 = Rand() * RAND_SCALE;
+    float r3 = Rand() * RAND_SCALE;
+    return (b.HalfX * (2.0f * r3) - b.HalfX) + (b.HalfY * (2.0f * r2) - b.HalfY) + (b.HalfZ * (2.0f * r1) - b.HalfZ);
+}
+
+VECTOR3D THING::RandomOffset(float r, bool)
+{
+    // Rejection sampling in the cube around the ball; Rand never exceeds
+    // 32767, so each try lands in the ball with probability pi/6.
+    for (;;) {
+        float x = Rand() * RAND_SCALE * 2.0f * r - r;
+        float y = Rand() * RAND_SCALE * 2.0f * r - r;
+        float z = Rand() * RAND_SCALE * 2.0f * r - r;
+        VECTOR3D v(x, y, z);
+        if (!(Length(v) > r))
+            return v;
+    }
+}
+
+bool PointInBox(VECTOR3D p, VECTOR3D centre, VECTOR3D h1, VECTOR3D h2, VECTOR3D h3)
+{
+    float a, b, c;
+    if (!Decompose3(h1, h2, h3, &a, &b, &c, p - centre))
+        return false;
+    return std::fabs(a) <= 1.0f && std::fabs(b) <= 1.0f && std::fabs(c) <= 1.0f;
+}
+
+bool SegmentCrossesBox(VECTOR3D p0, VECTOR3D p1, VECTOR3D centre, VECTOR3D h1, VECTOR3D h2, VECTOR3D h3)
+{
+    if (p0 == p1)
+        return PointInBox(p0, centre, h1, h2, h3);
+    VECTOR3D d = p1 - p0;
+    auto corner = [&](float s1, float s2, float s3) { return centre + h1 * s1 + h2 * s2 + h3 * s3; };
+    static const float starts[4][3] = {{-1, 1, 1}, {1, 1, -1}, {-1, -1, -1}, {1, -1, 1}};
+    for (const auto& s : starts) {
+        VECTOR3D c = corner(s[0], s[1], s[2]);
+        // The three corners adjacent to c, each differing in one sign.
+        VECTOR3D n[3] = {corner(-s[0], s[1], s[2]), corner(s[0], -s[1], s[2]), corner(s[0], s[1], -s[2])};
+        for (int i = 0; i < 3; ++i) {
+            float t, u, v;
+            if (IntersectRayTriangle(c, n[i], n[(i + 1) % 3], p0, d, &t, &u, &v, false) && t > 0.0f && t < 1.0f)
+                return true;
+        }
+    }
+    return false;
+}
+
+bool BoxesOverlap(const THINGBOX& a, const THINGBOX& b)
+{
+    float reach = Length(a.HalfZ + a.HalfY + a.HalfX) + Length(b.HalfZ + b.HalfY + b.HalfX);
+    if (Length(a.Centre - b.Centre) > reach)
+        return false;
+    if (PointInBox(a.Centre, b.Centre, b.HalfZ, b.HalfY, b.HalfX) ||
+        PointInBox(b.Centre, a.Centre, a.HalfZ, a.HalfY, a.HalfX))
+        return true;
+    // The twelve edges of A: from each of four corners to its three neighbours.
+    auto corner = [&](float s1, float s2, float s3) { return a.Centre + a.HalfZ * s1 + a.HalfY * s2 + a.HalfX * s3; };
+    static const float starts[4][3] = {{-1, 1, 1}, {1, 1, -1}, {-1, -1, -1}, {1, -1, 1}};
+    for (const auto& s : starts) {
+        VECTOR3D c = corner(s[0], s[1], s[2]);
+        VECTOR3D n[3] = {corner(-s[0], s[1], s[2]), corner(s[0], -s[1], s[2]), corner(s[0], s[1], -s[2])};
+        for (const VECTOR3D& e : n)
+            if (SegmentCrossesBox(c, e, b.Centre, b.HalfZ, b.HalfY, b.HalfX))
+                return true;
+    }
+    return false;
+}
+
+bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB)
+{
+    if (a == b)
+        return false;
+    THINGBOX boxA = a->GetBox();
+    THINGBOX boxB = b->GetBox();
+    if (SegmentCrossesBox(boxA.Centre - a->position + oldA, boxA.Centre, boxB.Centre, boxB.HalfZ, boxB.HalfY, boxB.HalfX))
+        return true;
+    if (SegmentCrossesBox(boxB.Centre - b->position + oldB, boxB.Centre, boxA.Centre, boxA.HalfZ, boxA.HalfY, boxA.HalfX))
+        return true;
+    return BoxesOverlap(boxA, boxB);
+}

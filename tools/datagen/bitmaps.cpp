@@ -1,0 +1,3 @@
+#include "datagen.h"
+// placeholder
+bool WriteBitmaps(const std::string&) { return true; }
