@@ -69,6 +69,7 @@ void InfoBeep()
 void FatalExit(int status)
 {
     Current->FatalExit(status);
+    std::abort(); // a backend's FatalExit never returns
 }
 
 uint32_t GetTickCount32()
@@ -79,7 +80,7 @@ uint32_t GetTickCount32()
 void FatalMessage(const std::string& text, const std::string& caption, MESSAGEICON icon, int status)
 {
     Current->MessageBox(text, caption, icon);
-    Current->FatalExit(status);
+    FatalExit(status);
 }
 
 void AssertionFailed(const char* expression, const char* module, int line)

@@ -1,1 +1,188 @@
-// placeholder
+#include <gtest/gtest.h>
+
+#include "math/random.h"
+#include "orvlevel/binio.h"
+#include "things/thing.h"
+
+#include <cmath>
+
+namespace {
+
+// A box of half-size h around the origin of a thing at p (world-aligned frame).
+void MakeCube(THING& t, VECTOR3D p, float h)
+{
+    t.position = p;
+    t.axisX = {1, 0, 0};
+    t.axisY = {0, 1, 0};
+    t.axisZ = {0, 0, 1};
+    t.boxXLow = t.boxYLow = t.boxZLow = -h;
+    t.boxXHigh = t.boxYHigh = t.boxZHigh = h;
+}
+
+float FloatAt(const std::vector<uint8_t>& b, size_t off)
+{
+    uint32_t u = b[off] | b[off + 1] << 8 | b[off + 2] << 16 | uint32_t(b[off + 3]) << 24;
+    float f;
+    std::memcpy(&f, &u, 4);
+    return f;
+}
+
+} // namespace
+
+TEST(Thing, ConstructedFrameAndRecordLayout)
+{
+    THING t;
+    EXPECT_EQ(t.axisX, VECTOR3D(0, 0, 1));
+    EXPECT_EQ(t.axisY, VECTOR3D(0, 1, 0));
+    EXPECT_EQ(t.axisZ, VECTOR3D(1, 0, 0));
+    EXPECT_EQ(t.segment, -1);
+    EXPECT_EQ(t.lastSegment, -1);
+
+    t.position = {1, 2, 3};
+    t.axisY = {4, 5, 6};
+    t.segment = 77;
+    t.innerRadius = 9.5f;
+    t.ghost = true;
+    t.boxZLow = -3.25f;
+    t.pushDistance = 42;
+    BINWRITER w;
+    t.WriteMembers(w);
+    // The record body covers offsets 4 ... 146 of the packed object.
+    ASSERT_EQ(w.Size(), size_t(THING_SIZE - 4));
+    auto at = [](size_t objectOffset) { return objectOffset - 4; };
+    EXPECT_EQ(FloatAt(w.Bytes, at(4)), 1.0f);
+    EXPECT_EQ(FloatAt(w.Bytes, at(12)), 3.0f);
+    EXPECT_EQ(FloatAt(w.Bytes, at(28)), 4.0f); // axisY comes before axisZ and axisX
+    EXPECT_EQ(FloatAt(w.Bytes, at(40)), 1.0f); // axisZ.x
+    EXPECT_EQ(FloatAt(w.Bytes, at(60)), 1.0f); // axisX.z
+    EXPECT_EQ(w.Bytes[at(100)], 77);
+    EXPECT_EQ(w.Bytes[at(104)], 0xFF); // lastSegment -1
+    EXPECT_EQ(FloatAt(w.Bytes, at(112)), 9.5f);
+    EXPECT_EQ(w.Bytes[at(116)], 0);
+    EXPECT_EQ(w.Bytes[at(117)], 1);
+    EXPECT_EQ(w.Bytes[at(118)], 0);
+    EXPECT_EQ(FloatAt(w.Bytes, at(119)), -3.25f); // unaligned: the flags pack to 3 bytes
+    EXPECT_EQ(FloatAt(w.Bytes, at(143)), 42.0f);
+
+    THING u;
+    BINREADER r(w.Bytes.data(), w.Bytes.size());
+    ASSERT_TRUE(u.ReadMembers(r));
+    EXPECT_EQ(r.Remaining(), 0u);
+    EXPECT_EQ(u.position, t.position);
+    EXPECT_EQ(u.segment, 77);
+    EXPECT_TRUE(u.ghost);
+    EXPECT_EQ(u.boxZLow, -3.25f);
+
+    // A record that ends early is refused rather than read past its end.
+    BINREADER shortRead(w.Bytes.data(), w.Bytes.size() - 1);
+    THING v;
+    EXPECT_FALSE(v.ReadMembers(shortRead));
+
+    // The base class writes no record of its own.
+    BINWRITER none;
+    t.WriteRecord(none, 3);
+    EXPECT_EQ(none.Size(), 0u);
+}
+
+TEST(Thing, ControlMovesTheFrameAndIgnoresUnknownCommands)
+{
+    THING t;
+    t.Control(0, 10.0f);
+    EXPECT_EQ(t.position, VECTOR3D(0, 0, 10)); // along axisX
+    t.Control(12, 5.0f);
+    t.Control(-1, 5.0f);
+    EXPECT_EQ(t.position, VECTOR3D(0, 0, 10));
+    EXPECT_EQ(t.axisX, VECTOR3D(0, 0, 1));
+}
+
+TEST(Thing, BoxFromBoundsInEitherOrder)
+{
+    THING t;
+    t.position = {10, 0, 0};
+    t.boxXLow = 2;  // along axisX = +z
+    t.boxXHigh = 6;
+    t.boxYLow = -1;
+    t.boxYHigh = 1;
+    t.boxZLow = -4;
+    t.boxZHigh = 0;
+    THINGBOX b = t.GetBox();
+    EXPECT_EQ(b.Centre, VECTOR3D(10 - 2, 0, 4));
+    EXPECT_EQ(b.HalfX, VECTOR3D(0, 0, 4)); // (|2| + |6|) / 2
+    EXPECT_EQ(b.HalfY, VECTOR3D(0, 1, 0));
+    EXPECT_EQ(b.HalfZ, VECTOR3D(2, 0, 0));
+}
+
+TEST(Thing, RandomOffsetsStayInsideTheirShapes)
+{
+    SRand(5);
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_LE(Length(THING::RandomOffset(7.5f)), 7.5f);
+
+    THING t;
+    MakeCube(t, {100, 100, 100}, 3);
+    t.boxXHigh = 9; // half-extent along x is (3 + 9) / 2 = 6
+    float maxX = 0;
+    for (int i = 0; i < 2000; ++i) {
+        VECTOR3D o = t.RandomBoxOffset(); // relative to the centre, not the position
+        ASSERT_LE(std::fabs(o.x), 6.0f);
+        ASSERT_LE(std::fabs(o.y), 3.0f);
+        ASSERT_LE(std::fabs(o.z), 3.0f);
+        maxX = std::max(maxX, std::fabs(o.x));
+    }
+    EXPECT_GT(maxX, 5.0f);
+
+    SRand(9);
+    VECTOR3D a = THING::RandomOffset(3);
+    SRand(9);
+    EXPECT_EQ(THING::RandomOffset(3), a);
+}
+
+TEST(Thing, BoxTests)
+{
+    VECTOR3D c(0, 0, 0), h1(2, 0, 0), h2(0, 1, 0), h3(0, 0, 1);
+    EXPECT_TRUE(PointInBox({2, 1, -1}, c, h1, h2, h3)); // faces count as inside
+    EXPECT_FALSE(PointInBox({2.1f, 0, 0}, c, h1, h2, h3));
+    EXPECT_FALSE(PointInBox({0, 0, 0}, c, h1, h1, h3)); // flat box: singular system
+
+    EXPECT_TRUE(SegmentCrossesBox({-5, 0, 0}, {5, 0, 0}, c, h1, h2, h3));
+    EXPECT_TRUE(SegmentCrossesBox({0, 0, 0}, {0, 0, 5}, c, h1, h2, h3)); // leaves through a face
+    EXPECT_FALSE(SegmentCrossesBox({-0.5f, 0, 0}, {0.5f, 0, 0}, c, h1, h2, h3)); // wholly inside
+    EXPECT_FALSE(SegmentCrossesBox({-5, 3, 0}, {5, 3, 0}, c, h1, h2, h3));       // passes above
+    EXPECT_FALSE(SegmentCrossesBox({-5, 0, 0}, {-3, 0, 0}, c, h1, h2, h3));      // stops short
+    EXPECT_TRUE(SegmentCrossesBox({1, 0, 0}, {1, 0, 0}, c, h1, h2, h3));         // a point inside
+
+    THING a, b;
+    MakeCube(a, {0, 0, 0}, 1);
+    MakeCube(b, {1.5f, 0, 0}, 1);
+    EXPECT_TRUE(BoxesOverlap(a.GetBox(), b.GetBox()));
+    b.position = {2.5f, 0, 0};
+    EXPECT_FALSE(BoxesOverlap(a.GetBox(), b.GetBox()));
+    b.position = {100, 0, 0};
+    EXPECT_FALSE(BoxesOverlap(a.GetBox(), b.GetBox()));
+
+    // Edges crossing without either centre inside the other box: a thin
+    // cross of two long bars.
+    THING bar1, bar2;
+    MakeCube(bar1, {0, 0, 3}, 0.2f); // along x, at z = 3
+    bar1.boxXLow = -5;
+    bar1.boxXHigh = 5;
+    MakeCube(bar2, {3, 0, 0}, 0.2f); // along z, at x = 3
+    bar2.boxZLow = -5;
+    bar2.boxZHigh = 5;
+    THINGBOX b1 = bar1.GetBox(), b2 = bar2.GetBox();
+    EXPECT_FALSE(PointInBox(b1.Centre, b2.Centre, b2.HalfZ, b2.HalfY, b2.HalfX));
+    EXPECT_FALSE(PointInBox(b2.Centre, b1.Centre, b1.HalfZ, b1.HalfY, b1.HalfX));
+    EXPECT_TRUE(BoxesOverlap(bar1.GetBox(), bar2.GetBox()));
+}
+
+TEST(Thing, FastObjectsCollideAlongTheirPath)
+{
+    THING a, b;
+    MakeCube(a, {0, 0, 0}, 1);
+    MakeCube(b, {50, 0, 0}, 1);
+    EXPECT_FALSE(ThingsCollide(&a, a.position, &b, b.position));
+    // A moved from far left to far right in one tick, through B.
+    a.position = {100, 0, 0};
+    EXPECT_TRUE(ThingsCollide(&a, {0, 0, 0}, &b, b.position));
+    EXPECT_FALSE(ThingsCollide(&a, {0, 0, 0}, &a, {0, 0, 0}));
+}
