@@ -133,6 +133,11 @@ public:
     ORVLEVEL(const ORVLEVEL&) = delete;
     ORVLEVEL& operator=(const ORVLEVEL&) = delete;
 
+    // Destroys every object (things first, while the rest of the level still
+    // stands, since their destructors may look at it or add new things), frees
+    // the tables and the invisible-side texture and forgets FileName. Safe to
+    // call twice; every operation on a cleared level does nothing or answers
+    // -1 / null.
     void Clear();
 
     // Adding: the lowest free slot, or -1 when the table is full.
@@ -141,6 +146,7 @@ public:
     int32_t Add(const char* textureFile);
     int32_t Add(STATICLIGHT l);
     int32_t Add(SPECPOINT sp);
+    // Null or a full table: -1, and the thing stays the caller's.
     int32_t AddThing(THING* t);
 
     // Deleting.
@@ -153,7 +159,11 @@ public:
     void DeleteNearestSpecPoint(VECTOR3D from);
     void DeleteNearestThing(VECTOR3D from);
 
-    // Selection. A CurrentSegment naming an empty slot counts as no selection.
+    // Selection. A CurrentSegment that is out of range or names an empty slot,
+    // and a CurrentSide outside 0 ... 5, count as no selection. The point
+    // queries also answer null when a corner they need names no point (a
+    // broken file can leave such corners); GetCurrentPointPtr does so for a
+    // CurrentPoint outside 0 ... 3 as well.
     SEGMENT* GetCurrentSegment();
     SIDE* GetCurrentSide();
     VECTOR3D* GetCurrentPointPtr();
@@ -174,6 +184,8 @@ public:
     int32_t SideTowardsPtr(int32_t a, const SEGMENT* b) const;
     int32_t FindSegment(VECTOR3D p, SEGMENT** found = nullptr) const;
     bool FindSpecPoint(VECTOR3D* position) const;
+    // When a corner names no point there is no cell to sample: the answer is
+    // the first existing corner, or (0, 0, 0). The three draws happen anyway.
     VECTOR3D RandomPointInSegment(const SEGMENT& s) const;
     // The position of point `index`, or null when the index names no point.
     const VECTOR3D* PointAt(int32_t index) const;
@@ -181,6 +193,7 @@ public:
     // Doors (game time).
     void OpenDoor(int32_t segment, int32_t side);
     void UpdateDoors();
+    // The slide edge reduced into 0 ... 3 (0 for a side that does not exist).
     int32_t DoorSlideEdge(int32_t segment, int32_t side) const;
     VECTOR3D DoorOffset(int32_t segment, int32_t side) const;
 
@@ -195,13 +208,61 @@ public:
     void Deserialize(const uint8_t* data, size_t size);
 
 private:
+    // Indices into FreeHint.
+    enum TABLEID
+    {
+        TABLE_POINTS,
+        TABLE_SEGMENTS,
+        TABLE_TEXTURES,
+        TABLE_THINGS,
+        TABLE_LIGHTS,
+        TABLE_SPECPOINTS,
+    };
+
+    // Allocates the six tables with every slot null and resets FreeHint (tables
+    // that still exist are freed first, with their objects). Throws
+    // std::bad_alloc with every table null again; callers report it in their
+    // own words.
     void AllocateTables();
+    // Destroys whatever objects are still in the tables (things first), then
+    // frees the tables themselves.
     void FreeTables();
     void BuildDefault();
-    int32_t FindFree(void* const* table, int count, int& hint);
+    void DestroyThings();
+
+    // The lowest free slot at or above hint, or -1; hint moves up to it.
+    template <class T>
+    static int32_t FindFree(T* const* table, int count, int& hint)
+    {
+        if (!table)
+            return -1;
+        for (int i = hint; i < count; ++i)
+            if (!table[i])
+            {
+                hint = i;
+                return i;
+            }
+        hint = count;
+        return -1;
+    }
+    // Every member that empties a slot directly must report it here, or the
+    // next add would no longer take the lowest free slot.
+    void SlotFreed(TABLEID table, int32_t index)
+    {
+        if (index >= 0 && index < FreeHint[table])
+            FreeHint[table] = index;
+    }
+    SEGMENT* SegmentAt(int32_t index) const;
+    VECTOR3D* PointPtr(int32_t index) const;
+    SIDE* SideAt(int32_t segment, int32_t side) const;
+    // The four corner points of a side, false when one is missing.
+    bool SidePoints(const SEGMENT& s, int side, VECTOR3D* out[4]) const;
+    int32_t TextureIndexAt(int32_t position) const;
 
     // Lowest slot that may be free in each table: every slot below is in use.
     int FreeHint[6] = {};
+    // Set for the last sweep of Clear: destructors can no longer add things.
+    bool ThingsClosed = false;
 
     // Buffers behind the multi-value queries.
     VECTOR3D* SidePointsBuffer[4] = {};

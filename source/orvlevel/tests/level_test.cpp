@@ -1,1 +1,330 @@
-// placeholder
+#include "orvlevel/level.h"
+
+#include "graphics/texture.h"
+#include "math/geometry.h"
+#include "math/random.h"
+#include "platform/tests/testplatform.h"
+#include "things/thing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <set>
+
+namespace {
+
+int LiveThings = 0;
+
+// Counts its instances; with Spawn > 0 its destructor leaves a new thing in
+// the current level, as a destroyed ship leaves an explosion.
+class COUNTED : public THING
+{
+public:
+    int Spawn;
+    COUNTED(VECTOR3D p, int spawn = 0) : Spawn(spawn) { position = p, ++LiveThings; }
+    ~COUNTED() override
+    {
+        --LiveThings;
+        if (Spawn <= 0 || !TheLevel)
+            return;
+        auto* child = new COUNTED(position, Spawn - 1);
+        if (TheLevel->AddThing(child) < 0)
+            delete child;
+    }
+};
+
+template <class T>
+int Count(T** table, int size)
+{
+    return int(std::count_if(table, table + size, [](T* p) { return p != nullptr; }));
+}
+
+class LevelTest : public PlatformTest
+{
+protected:
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        LiveThings = 0;
+        TheLevel = L.get();
+    }
+    void TearDown() override
+    {
+        L.reset();
+        TheLevel = nullptr;
+        EXPECT_EQ(LiveThings, 0);
+    }
+    void ExpectNoSelection(bool segmentSelected = false)
+    {
+        EXPECT_EQ(L->GetCurrentSegment() != nullptr, segmentSelected);
+        EXPECT_EQ(L->GetCurrentSide(), nullptr);
+        EXPECT_EQ(L->GetCurrentPointPtr(), nullptr);
+        EXPECT_EQ(L->GetCurrentSidePoints(), nullptr);
+        EXPECT_EQ(L->GetCurrentSideIndices(), nullptr);
+        EXPECT_EQ(L->GetCurrentSideCorners(), nullptr);
+        EXPECT_EQ(L->GetCurrentTexCoords(), nullptr);
+        L->ClearSideTexture();
+        EXPECT_EQ(L->Segments[0]->Sides[0].Texture, 0);
+    }
+    // A cube on top of segment 0, joined through segment 0's side 0 and its
+    // own side 2; its bottom corners are segment 0's top ones.
+    int AddCubeAbove()
+    {
+        SEGMENT s = *L->Segments[0];
+        for (int slot : {2, 3, 6, 7})
+            s.Corners[slot] = slot - 2;
+        for (int slot : {0, 1, 4, 5})
+            s.Corners[slot] = L->Add(DefaultCubeCorners[slot] + VECTOR3D(0, 200, 0));
+        int n = L->Add(&s);
+        L->Segments[0]->Neighbours[0] = n;
+        L->Segments[n]->Neighbours[2] = 0;
+        return n;
+    }
+};
+
+TEST_F(LevelTest, DefaultLevel)
+{
+    EXPECT_EQ(Count(L->Points, MAX_POINTS), 8);
+    ASSERT_EQ(Count(L->Segments, MAX_SEGMENTS), 1);
+    const SEGMENT& s = *L->Segments[0];
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(*L->PointAt(s.Corners[i]), DefaultCubeCorners[i]);
+    for (int i = 0; i < 6; ++i)
+    {
+        EXPECT_EQ(s.Neighbours[i], -1);
+        EXPECT_EQ(s.Sides[i].Texture, 0);
+        EXPECT_EQ(s.Sides[i].WallType, WALL_NORMAL);
+        EXPECT_EQ(s.Sides[i].TexCoords[3].s, 1.0f);
+        // Every side's normal must point into the cube.
+        const VECTOR3D* c = L->GetSideCorners(0, i);
+        EXPECT_GT(Dot(TriangleNormal(c[0], c[1], c[2]), VECTOR3D() - c[0]), 0.0f) << "side " << i;
+    }
+    ASSERT_EQ(Count(L->Textures, MAX_TEXTURES), 1);
+    EXPECT_STREQ(L->Textures[0]->FileName, "WallTex.bmp");
+    EXPECT_STREQ(L->InvisibleSideTexture->FileName, "InvSide.bmp");
+    EXPECT_EQ(Count(L->Things, MAX_THINGS) + Count(L->Lights, MAX_LIGHTS) + Count(L->SpecPoints, MAX_SPECPOINTS), 0);
+    EXPECT_STREQ(L->Name, "UNNAMED");
+    EXPECT_FALSE(L->FileName.has_value());
+    ExpectNoSelection();
+}
+
+TEST_F(LevelTest, LowestFreeSlotAndFullTables)
+{
+    L->DeletePoint(6);
+    L->DeletePoint(3);
+    EXPECT_EQ(L->Add(VECTOR3D()), 3);
+    EXPECT_EQ(L->Add(VECTOR3D()), 6);
+    EXPECT_EQ(L->Add(VECTOR3D()), 8);
+    while (L->Add(VECTOR3D()) >= 0) {}
+    EXPECT_EQ(Count(L->Points, MAX_POINTS), MAX_POINTS);
+    L->DeletePoint(MAX_POINTS - 1);
+    EXPECT_EQ(L->Add(VECTOR3D()), MAX_POINTS - 1);
+
+    EXPECT_EQ(L->AddThing(nullptr), -1);
+    auto* t = new COUNTED({5, 6, 7});
+    t->axisX = {0, 0, -1};
+    ASSERT_EQ(L->AddThing(t), 0);
+    EXPECT_EQ(t->oldPosition, VECTOR3D(5, 6, 7));
+    EXPECT_EQ(t->oldAxisX, VECTOR3D(0, 0, -1));
+    for (int i = 1; i < MAX_THINGS; ++i)
+        ASSERT_EQ(L->AddThing(new COUNTED({})), i);
+    COUNTED extra({});
+    EXPECT_EQ(L->AddThing(&extra), -1); // still ours: destroyed with this scope
+}
+
+TEST_F(LevelTest, RemoveUnusedPointsMatchesLiteralScan)
+{
+    SRand(77);
+    for (int i = 0; i < 3000; ++i)
+        L->Add(VECTOR3D(float(i), 0, 0));
+    L->Points[MAX_POINTS - 1] = new VECTOR3D();
+    L->Points[30000] = new VECTOR3D();
+    for (int n = 0; n < 200; ++n)
+    {
+        SEGMENT s;
+        for (int32_t& c : s.Corners)
+            c = Rand() % 3500 - 100; // some negative, some naming no point
+        s.Corners[0] = n == 7 ? MAX_POINTS - 1 : n == 9 ? MAX_POINTS : s.Corners[0];
+        L->Add(&s);
+    }
+    std::set<int> expected, kept;
+    for (int p = 0; p < MAX_POINTS; ++p)
+        for (int s = 0; s < MAX_SEGMENTS && L->Points[p]; ++s)
+            if (L->Segments[s] && std::count(L->Segments[s]->Corners, L->Segments[s]->Corners + 8, p))
+                expected.insert(p);
+    L->RemoveUnusedPoints();
+    for (int p = 0; p < MAX_POINTS; ++p)
+        if (L->Points[p])
+            kept.insert(p);
+    EXPECT_EQ(kept, expected);
+    EXPECT_TRUE(kept.count(MAX_POINTS - 1));
+    EXPECT_FALSE(kept.count(30000));
+}
+
+TEST_F(LevelTest, TextureListPositionsSkipGaps)
+{
+    for (int i = 1; i <= 5; ++i)
+        ASSERT_EQ(L->Add("WallTex.bmp"), i);
+    for (int i = 1; i <= 4; ++i)
+        L->DeleteTexture(i);
+    L->SelectTextureAt(1);
+    L->SelectTextureAt(2);
+    EXPECT_EQ(L->CurrentTexture, 5);
+    L->ReplaceTextureAt("InvSide.bmp", 1);
+    EXPECT_STREQ(L->Textures[5]->FileName, "InvSide.bmp");
+    L->DeleteTextureAt(2);
+    L->DeleteTextureAt(1);
+    EXPECT_EQ(L->Textures[5], nullptr);
+    EXPECT_EQ(L->Add("WallTex.bmp"), 1);
+}
+
+TEST_F(LevelTest, DeleteNearest)
+{
+    L->DeleteNearestLight({});
+    L->DeleteNearestThing({});
+    STATICLIGHT a, b;
+    a.Position = {10, 0, 0};
+    b.Position = {-10, 0, 0};
+    L->Add(a);
+    L->Add(b);
+    L->DeleteNearestLight({});
+    EXPECT_EQ(Count(L->Lights, MAX_LIGHTS), 1);
+    EXPECT_EQ(L->Lights[0], nullptr);
+
+    // The slot of a dying thing is still taken: what it leaves goes elsewhere.
+    L->AddThing(new COUNTED({100, 0, 0}));
+    L->AddThing(new COUNTED({1, 0, 0}, 1));
+    L->DeleteNearestThing({});
+    EXPECT_EQ(LiveThings, 2);
+    EXPECT_EQ(L->Things[1], nullptr);
+    ASSERT_NE(L->Things[2], nullptr);
+    EXPECT_EQ(L->Things[2]->position, VECTOR3D(1, 0, 0));
+}
+
+TEST_F(LevelTest, ClearDestroysThingsAddedByDestructors)
+{
+    for (int i = 0; i < 10; ++i)
+        L->AddThing(new COUNTED({}, 3));
+    L->AddThing(new COUNTED({}, 100)); // a chain longer than Clear follows
+    L->Clear();
+    EXPECT_EQ(LiveThings, 0);
+    L->Clear();
+    // A cleared level refuses everything quietly.
+    COUNTED t({});
+    EXPECT_EQ(L->AddThing(&t), -1);
+    EXPECT_EQ(L->Add(VECTOR3D()), -1);
+    L->CurrentSegment = 0;
+    EXPECT_EQ(L->GetCurrentSide(), nullptr);
+}
+
+TEST_F(LevelTest, FindSegmentAndRandomPoint)
+{
+    SEGMENT* found = nullptr;
+    EXPECT_EQ(L->FindSegment({0, 0, 0}, &found), 0);
+    EXPECT_EQ(found, L->Segments[0]);
+    EXPECT_EQ(L->FindSegment({100, 100, 100}), 0);
+    EXPECT_EQ(L->FindSegment({0, 150, 0}, &found), -1);
+    int above = AddCubeAbove();
+    EXPECT_EQ(L->FindSegment({0, 150, 0}), above);
+    L->DeletePoint(L->Segments[above]->Corners[0]); // a broken cell contains nothing
+    EXPECT_EQ(L->FindSegment({0, 150, 0}), -1);
+
+    SRand(5);
+    VECTOR3D first = L->RandomPointInSegment(*L->Segments[0]);
+    int fourth = Rand();
+    SRand(5);
+    float r1 = Rand() / 32767.0f, r2 = Rand() / 32767.0f, r3 = Rand() / 32767.0f;
+    EXPECT_EQ(Rand(), fourth); // exactly three draws
+    EXPECT_NEAR(first.x, -100 + 200 * r1, 1e-3);
+    EXPECT_NEAR(first.y, 100 - 200 * r2, 1e-3);
+    EXPECT_NEAR(first.z, 100 - 200 * r3, 1e-3);
+    for (int i = 0; i < 1000; ++i)
+    {
+        VECTOR3D p = L->RandomPointInSegment(*L->Segments[0]);
+        ASSERT_TRUE(std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}) <= 100);
+    }
+    SEGMENT broken = *L->Segments[0];
+    broken.Corners[0] = -1;
+    broken.Corners[1] = 99;
+    EXPECT_EQ(L->RandomPointInSegment(broken), DefaultCubeCorners[2]);
+}
+
+TEST_F(LevelTest, SelectionQueries)
+{
+    for (int bad : {3, -2, MAX_SEGMENTS}) // 3 is an empty slot
+    {
+        L->CurrentSegment = bad;
+        ExpectNoSelection();
+    }
+    L->CurrentSegment = 0;
+    L->CurrentSide = 6;
+    ExpectNoSelection(true);
+
+    L->CurrentSide = 1; // x = +100: slots 1, 5, 7, 3
+    L->CurrentPoint = 2;
+    EXPECT_EQ(L->GetCurrentPointPtr(), L->Points[7]);
+    EXPECT_EQ(L->GetCurrentSidePoints()[3], L->Points[3]);
+    EXPECT_EQ(L->GetCurrentSideCorners()[0], DefaultCubeCorners[1]);
+    L->CurrentPoint = 3;
+    L->NextPointOnSide();
+    EXPECT_EQ(L->CurrentPoint, 0);
+    L->CurrentPoint = -7;
+    EXPECT_EQ(L->GetCurrentPointPtr(), nullptr);
+    L->NextPointOnSide();
+    EXPECT_EQ(L->CurrentPoint, 2);
+
+    // A corner naming a missing point: only the index query still answers.
+    L->DeletePoint(7);
+    EXPECT_EQ(L->GetCurrentPointPtr(), nullptr);
+    EXPECT_EQ(L->GetCurrentSidePoints(), nullptr);
+    EXPECT_EQ(L->GetCurrentSideCorners(), nullptr);
+    EXPECT_NE(L->GetSideCorners(0, 0), nullptr);
+    EXPECT_EQ(L->GetCurrentSideIndices()[2], 7);
+}
+
+TEST_F(LevelTest, Doors)
+{
+    int above = AddCubeAbove();
+    SIDE& door = L->Segments[0]->Sides[0];
+    SIDE& partner = L->Segments[above]->Sides[2]; // passable: it only follows
+    door.WallType = WALL_DOOR;
+    L->OpenDoor(above, 2); // not a door
+    EXPECT_EQ(door.Door.State, DOOR_CLOSED);
+    L->OpenDoor(0, 0);
+    EXPECT_EQ(partner.Door.State, DOOR_OPENING);
+
+    auto run = [&](int steps) { for (int i = 0; i < steps; ++i) L->UpdateDoors(); };
+    run(100); // 100 float steps of 0.01 stay just below 1.0
+    EXPECT_EQ(door.Door.State, DOOR_OPENING);
+    EXPECT_EQ(partner.Door.Opening, 0.0f);
+    run(1);
+    EXPECT_EQ(partner.Door.State, DOOR_OPEN);
+    EXPECT_EQ(partner.Door.Opening, 2.0f);
+    EXPECT_NEAR(door.Door.Opening, 1.99f, 1e-4);
+    L->OpenDoor(0, 0); // already open: no effect
+    run(199);
+    EXPECT_EQ(door.Door.State, DOOR_OPEN);
+    run(1);
+    EXPECT_EQ(partner.Door.State, DOOR_CLOSING);
+    EXPECT_EQ(door.Door.Opening, 1.0f);
+    run(101);
+    EXPECT_EQ(partner.Door.State, DOOR_CLOSED);
+    EXPECT_EQ(door.Door.Opening, 0.0f);
+
+    // Offsets: side 0 runs (100,100,100) (-100,100,100) (-100,100,-100) (100,100,-100).
+    door.Door.State = DOOR_OPENING;
+    door.Door.Opening = 0.5f;
+    EXPECT_EQ(L->DoorOffset(0, 0), VECTOR3D(100, 0, 0));
+    door.Door.State = DOOR_OPEN;
+    door.Door.Opening = 1.7f;
+    for (int edge : {3, -1, 7})
+    {
+        door.Door.SlideEdge = edge;
+        EXPECT_EQ(L->DoorSlideEdge(0, 0), 3);
+        EXPECT_EQ(L->DoorOffset(0, 0), VECTOR3D(0, 0, -200));
+    }
+    EXPECT_EQ(L->DoorOffset(above, 2), VECTOR3D());
+}
+
+} // namespace
