@@ -31,7 +31,7 @@ VECTOR3D TriangleNormal(VECTOR3D a, VECTOR3D b, VECTOR3D c)
 {
     VECTOR3D n = Cross(a - b, a - c);
     float l = Length(n);
-    if (std::fabs(l) < 0.000001f)
+    if (std::fabs(l) < 0.000001)
         return {1, 0, 0};
     return n / l;
 }
@@ -101,7 +101,7 @@ bool IntersectRayTriangle(VECTOR3D p0, VECTOR3D p1, VECTOR3D p2, VECTOR3D o, VEC
         tv = p0 - o;
         det = -det;
     }
-    if (det < 0.0001f)
+    if (det < 0.0001)
         return false;
     *u = Dot(tv, pv);
     if (*u < 0 || *u > det)

@@ -38,7 +38,11 @@ int SinIndex(float a)
 }
 
 float FastSin(float a) { return SinTable[SinIndex(a)]; }
-float FastCos(float a) { return FastSin(1.570796326f - a); }
+// The quarter turn is a double constant and the difference is rounded once:
+// a float constant shifts the truncated table index for some angles.
+constexpr double QUARTER_TURN = 1.570796326;
+
+float FastCos(float a) { return FastSin(static_cast<float>(QUARTER_TURN - a)); }
 float FastTan(float a) { return FastSin(a) / FastCos(a); }
 float FastCot(float a) { return FastCos(a) / FastSin(a); }
 
@@ -54,12 +58,14 @@ float FastAsin(float x)
     return AsinTable[i];
 }
 
-float FastAcos(float x) { return 1.570796326f - FastAsin(x); }
+float FastAcos(float x) { return static_cast<float>(QUARTER_TURN - FastAsin(x)); }
 
 float FastAtan(float x)
 {
-    float sign = x > 0.0f ? 1.0f : (x < 0.0f ? -1.0f : 0.0f);
-    return sign * (1.570796326f - FastAsin(1.0f / std::sqrt(x * x + 1.0f)));
+    double sign = x > 0.0f ? 1.0 : (x < 0.0f ? -1.0 : 0.0);
+    double xd = x;
+    float s = static_cast<float>(1.0 / std::sqrt(xd * xd + 1.0));
+    return static_cast<float>(sign * (QUARTER_TURN - FastAsin(s)));
 }
 
 float FastAtan2(float y, float x)

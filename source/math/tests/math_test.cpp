@@ -23,6 +23,9 @@ TEST(Trig, TableLookupsTruncateAndWrap)
     EXPECT_EQ(FastSin(-1.5707963f), SinTable[2700]);
     EXPECT_EQ(FastCos(0.0f), SinTable[900]);
     EXPECT_NEAR(SinTable[900], 1.0f, 1e-7f);
+    // Just past the index boundary only if the quarter turn is subtracted in
+    // double and rounded once; a float constant would still give 900.
+    EXPECT_EQ(FastCos(3.3513e-5f), SinTable[899]);
     EXPECT_EQ(FastSin(0.00174f), SinTable[0]); // 0.997 of a step still index 0
     EXPECT_EQ(FastSin(0.0018f), SinTable[1]);
     // Far outside one turn and non-finite input stay inside the table.
@@ -35,6 +38,8 @@ TEST(Trig, TableLookupsTruncateAndWrap)
     EXPECT_NEAR(AsinTable[-10000], -1.5707963f, 1e-6f);
     EXPECT_EQ(FastAsin(0.00009f), 0.0f);
     EXPECT_NEAR(FastAcos(0.0f), 1.570796326f, 1e-6f);
+    // -0.9999f is a hair above -0.9999: truncation selects -9998.
+    EXPECT_EQ(FastAcos(-0.9999f), static_cast<float>(1.570796326 - AsinTable[-9998]));
 
     EXPECT_EQ(FastAtan(0.0f), 0.0f);
     EXPECT_NEAR(FastAtan(1.0f), 0.785398f, 1e-3f);
@@ -158,9 +163,11 @@ TEST(Geometry, MoveFrame)
         int fixed = how < 8 ? 1 : (how < 10 ? 2 : 0);
         VECTOR3D before[3] = {x0, y0, z0}, after[3] = {X, Y, Z};
         EXPECT_EQ(after[fixed], before[fixed]) << how;
-        for (int k = 0; k < 3; ++k)
-            if (k != fixed)
+        for (int k = 0; k < 3; ++k) {
+            if (k != fixed) {
                 EXPECT_GT(Length(after[k] - before[k]), 0.4f) << how;
+            }
+        }
         MoveFrame(how + 1, 0.5f, &P, &X, &Y, &Z);
         ExpectNear(X, x0, 1e-3f);
         ExpectNear(Y, y0, 1e-3f);
