@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+
+#include "platform/cp1250.h"
+
+#include <set>
+#include <string>
+
+TEST(Cp1250Test, HungarianLettersRoundTrip)
+{
+    const std::string utf8 = "őŐűŰáéíóöúü ÁÉÍÓÖÚÜ";
+    const std::string cp = "\xF5\xD5\xFB\xDB\xE1\xE9\xED\xF3\xF6\xFA\xFC \xC1\xC9\xCD\xD3\xD6\xDA\xDC";
+    EXPECT_EQ(Utf8ToCp1250(utf8), cp);
+    EXPECT_EQ(Cp1250ToUtf8(cp), utf8);
+    EXPECT_EQ(Cp1250ToUtf8("\xDAj szegmens"), "Új szegmens");
+}
+
+TEST(Cp1250Test, HighHalfMapsOneToOneExceptTheUndefinedBytes)
+{
+    const std::set<int> undefined = {0x81, 0x83, 0x88, 0x90, 0x98};
+    std::set<std::string> seen;
+    for (int b = 0x80; b <= 0xFF; ++b) {
+        std::string byte(1, char(b));
+        std::string utf8 = Cp1250ToUtf8(byte);
+        if (undefined.count(b)) {
+            EXPECT_EQ(utf8, "\xEF\xBF\xBD") << b;
+            EXPECT_EQ(Utf8ToCp1250(utf8), "?") << b;
+        } else {
+            EXPECT_EQ(Utf8ToCp1250(utf8), byte) << b;
+            EXPECT_TRUE(seen.insert(utf8).second) << "two bytes decode to the same character: " << b;
+        }
+    }
+    // A few that are easy to get wrong.
+    EXPECT_EQ(Cp1250ToUtf8("\x80\x8A\x8F\xA0\xA1\xFF"), "€ŠŹ\u00A0ˇ˙");
+    EXPECT_EQ(Cp1250ToUtf8(std::string("a\0b", 3)), std::string("a\0b", 3));
+}
+
+TEST(Cp1250Test, UnmappableAndMalformedBecomeQuestionMarks)
+{
+    EXPECT_EQ(Utf8ToCp1250("ж€ñ😀x"), "?\x80?" "?x"); // ñ is not in the code page
+    EXPECT_EQ(Utf8ToCp1250("\xC3(A"), "?(A");
+    EXPECT_EQ(Utf8ToCp1250("\xC0\xAF"), "??");         // overlong '/'
+    EXPECT_EQ(Utf8ToCp1250("\xED\xA0\x80"), "???");    // surrogate
+    EXPECT_EQ(Utf8ToCp1250("\xF4\x90\x80\x80"), "????"); // beyond U+10FFFF
+}
