@@ -1,1 +1,668 @@
-// placeholder
+// Level files: "ORVLEVEL\0", the 30-byte name, then one section per table,
+// each a run of records keyed by their table index and closed by -1.
+#include "orvlevel/level.h"
+
+#include "graphics/texture.h"
+#include "orvlevel/binio.h"
+#include "platform/cp1250.h"
+#include "platform/platform.h"
+#include "things/thing.h"
+#include "things/thingclasses.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <span>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// The class list the reader consults. Tests point it elsewhere to load
+// classes the game has not registered.
+std::span<const THINGCLASS> (*LevelReaderClasses)() = ReaderClassList;
+
+namespace {
+
+// ---------------------------------------------------------------------------
+// Messages
+
+const char* const MSG_CAPTION = "HIBA!";
+const char* const MSG_BAD_MAGIC = "Nem Orvane Battle pálya ez.";
+const char* const MSG_UNDEFINED_THING = "Undefined Thing:";
+const char* const MSG_NOMEM_SAVE = "SaveLevel: not enough mem.";
+const char* const MSG_NOMEM_TABLES = "ORVLEVEL::LoadLevel: not enough mem.";
+const char* const MSG_NOMEM_LOAD = "LoadLevel: not enough mem.";
+const char* const MSG_CANNOT_READ = "Nem sikerült beolvasni a pályafájlt:\n%s\nA jelenlegi pálya változatlan maradt.";
+const char* const MSG_CANNOT_SAVE = "Nem sikerült elmenteni a pályát ide:\n%s\nA korábbi fájl (ha volt) változatlan maradt.";
+// Every message that ends a load early is followed by this.
+const char* const MSG_LOAD_STOPPED = "\nA beolvasás itt megszakadt, a pálya addig beolvasott része megmaradt.";
+const char* const MSG_TRUNCATED = "A pályafájl váratlanul véget ért (%s).";
+const char* const MSG_BAD_INDEX = "Érvénytelen sorszám (%d) a pályafájlban (%s).";
+const char* const MSG_DUPLICATE_INDEX = "A(z) %d. sorszám kétszer szerepel a pályafájlban (%s).";
+const char* const MSG_BAD_SEGMENT_SIZE = "Ismeretlen szegmensrekord-méret a pályafájlban: %u bájt.";
+const char* const MSG_BAD_SIDE_SIZE = "Ismeretlen oldalrekord-méret a pályafájlban: %u bájt.";
+const char* const MSG_BAD_DOOR_SIZE = "Ismeretlen ajtórekord-méret a pályafájlban: %u bájt.";
+const char* const MSG_BAD_NAME_LENGTH = "Érvénytelen textúranév-hossz a pályafájlban: %d bájt.";
+const char* const MSG_BAD_THING_SIZE = "A(z) %s cucc mérete a pályafájlban %d bájt, %d helyett.";
+
+// Section names for the messages above.
+const char* const SECTION_HEADER = "fejléc";
+const char* const SECTION_POINTS = "pontok";
+const char* const SECTION_SEGMENTS = "szegmensek";
+const char* const SECTION_TEXTURES = "textúrák";
+const char* const SECTION_THINGS = "cuccok";
+const char* const SECTION_LIGHTS = "fények";
+const char* const SECTION_SPECPOINTS = "különleges pontok";
+
+const char LEVEL_MAGIC[9] = {'O', 'R', 'V', 'L', 'E', 'V', 'E', 'L', 0};
+constexpr int TEXTURE_NAME_BUFFER = 1000; // longest name a texture record may carry
+constexpr int32_t END_OF_SECTION = -1;
+
+// Side bytes up to the door block: size, texture, wall type, coordinates, colours.
+constexpr uint32_t SIDE_HEAD_SIZE = 92;
+// Segment bytes before the sides: size, neighbours, corners.
+constexpr uint32_t SEGMENT_HEAD_SIZE = 60;
+
+std::string Format(const char* pattern, const std::string& a)
+{
+    std::string out;
+    for (const char* p = pattern; *p; ++p)
+    {
+        if (p[0] == '%' && p[1] == 's')
+        {
+            out += a;
+            ++p;
+        }
+        else
+            out += *p;
+    }
+    return out;
+}
+
+template <class... ARGS>
+std::string Printf(const char* pattern, ARGS... args)
+{
+    char buffer[512];
+    std::snprintf(buffer, sizeof buffer, pattern, args...);
+    return buffer;
+}
+
+template <class T, class... ARGS>
+T* NewOrDie(const char* text, ARGS&&... args)
+{
+    try
+    {
+        return new T(static_cast<ARGS&&>(args)...);
+    }
+    catch (const std::bad_alloc&)
+    {
+        FatalMessage(text);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Whole-file reading and writing
+
+// Reads a regular file completely; false when it cannot be opened or read.
+bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
+{
+    int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    struct stat st;
+    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    if (ok)
+    {
+        try
+        {
+            out.resize(size_t(st.st_size));
+        }
+        catch (const std::bad_alloc&)
+        {
+            ok = false;
+        }
+    }
+    size_t done = 0;
+    while (ok && done < out.size())
+    {
+        ssize_t n = read(fd, out.data() + done, out.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            ok = false; // a file that shrank under us is as unreadable as one that failed
+        else
+            done += size_t(n);
+    }
+    close(fd);
+    return ok;
+}
+
+bool WriteAll(int fd, const uint8_t* data, size_t size)
+{
+    while (size > 0)
+    {
+        ssize_t n = write(fd, data, size);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        data += n;
+        size -= size_t(n);
+    }
+    return true;
+}
+
+// Writes the bytes to a new file beside the target and renames it over the
+// target, so the previous file survives any failure. A symbolic link is
+// followed, so the link itself stays.
+bool ReplaceFile(const std::string& name, const std::vector<uint8_t>& bytes)
+{
+    if (name.empty())
+        return false;
+    std::string target = name;
+    struct stat st;
+    if (lstat(target.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
+    {
+        char resolved[PATH_MAX];
+        if (realpath(target.c_str(), resolved))
+            target = resolved;
+    }
+    mode_t mode;
+    if (stat(target.c_str(), &st) == 0)
+    {
+        if (!S_ISREG(st.st_mode))
+            return false;
+        mode = st.st_mode & 07777;
+    }
+    else
+    {
+        mode_t mask = umask(0);
+        umask(mask);
+        mode = 0666 & ~mask;
+    }
+
+    size_t slash = target.rfind('/');
+    std::string dir = slash == std::string::npos ? "./" : target.substr(0, slash + 1);
+    std::string temp = dir + ".orvsave-XXXXXX";
+    int fd = mkstemp(temp.data());
+    if (fd < 0)
+        return false;
+    bool ok = WriteAll(fd, bytes.data(), bytes.size());
+    ok = fchmod(fd, mode) == 0 && ok;
+    ok = close(fd) == 0 && ok;
+    ok = ok && rename(temp.c_str(), target.c_str()) == 0;
+    if (!ok)
+        unlink(temp.c_str());
+    return ok;
+}
+
+// ---------------------------------------------------------------------------
+// Writing
+
+void WriteSide(BINWRITER& w, const SIDE& s)
+{
+    w.U32(s.RecordSize);
+    w.I32(s.Texture);
+    w.I32(s.WallType);
+    for (const TEXPAIR& t : s.TexCoords)
+    {
+        w.F32(t.s);
+        w.F32(t.t);
+    }
+    for (const VECTOR3D& c : s.Colours)
+        w.Vec(c);
+    w.U32(s.Door.RecordSize);
+    w.I32(s.Door.State);
+    w.F32(s.Door.Opening);
+    w.I32(s.Door.Reserved);
+    w.I32(s.Door.SlideEdge);
+}
+
+void WriteSegment(BINWRITER& w, const SEGMENT& s)
+{
+    w.U32(s.RecordSize);
+    for (int32_t n : s.Neighbours)
+        w.I32(n);
+    for (int32_t c : s.Corners)
+        w.I32(c);
+    for (const SIDE& side : s.Sides)
+        WriteSide(w, side);
+    w.I32(s.Type);
+}
+
+template <class T>
+int CountOf(T* const* table, int count)
+{
+    int n = 0;
+    if (table)
+        for (int i = 0; i < count; ++i)
+            n += table[i] != nullptr;
+    return n;
+}
+
+// ---------------------------------------------------------------------------
+// Reading
+
+class LEVELREADER
+{
+public:
+    LEVELREADER(ORVLEVEL& level, const uint8_t* data, size_t size) : L(level), In(data, size) {}
+
+    void Run()
+    {
+        ReadHeader();
+        // Each section is entered only while no read has run past the end.
+        if (Going())
+            ReadPoints();
+        if (Going())
+            ReadSegments();
+        if (Going())
+            ReadTextures();
+        if (Going())
+            ReadThings();
+        if (Going())
+            ReadLights();
+        if (Going())
+            ReadSpecPoints();
+    }
+
+private:
+    ORVLEVEL& L;
+    BINREADER In;
+    bool Stopped = false;
+    // The last section read ended with its terminator: a file may end here.
+    bool Closed = false;
+
+    bool Going() const { return !Stopped && !In.Eof; }
+
+    void Stop(const std::string& why)
+    {
+        ShowMessage(why + MSG_LOAD_STOPPED, MSG_CAPTION, MSGICON_STOP);
+        Stopped = true;
+    }
+    void Truncated(const char* section) { Stop(Printf(MSG_TRUNCATED, section)); }
+
+    // Makes sure a record body of n bytes follows; otherwise the file ends
+    // inside the record and the load stops.
+    bool Need(size_t n, const char* section)
+    {
+        if (In.Remaining() >= n)
+            return true;
+        Truncated(section);
+        return false;
+    }
+
+    // Reads the index that starts a record. False ends the section: at its
+    // terminator, at the end of the file, or at an index that names no free
+    // slot of the table.
+    template <class T>
+    bool NextIndex(int32_t& index, T* const* table, int capacity, bool& first, const char* section)
+    {
+        bool clean = first && Closed && In.Remaining() == 0;
+        first = false;
+        if (!In.I32(index))
+        {
+            // Only a file that ends right after a section's terminator ends cleanly.
+            if (!clean)
+                Truncated(section);
+            return false;
+        }
+        Closed = false;
+        if (index == END_OF_SECTION)
+        {
+            Closed = true;
+            return false;
+        }
+        if (index < 0 || index >= capacity)
+        {
+            Stop(Printf(MSG_BAD_INDEX, int(index), section));
+            return false;
+        }
+        if (table[index])
+        {
+            Stop(Printf(MSG_DUPLICATE_INDEX, int(index), section));
+            return false;
+        }
+        return true;
+    }
+
+    void ReadHeader()
+    {
+        char magic[sizeof LEVEL_MAGIC + 1] = {};
+        size_t got = In.Remaining() < sizeof LEVEL_MAGIC ? In.Remaining() : sizeof LEVEL_MAGIC;
+        if (got > 0)
+            std::memcpy(magic, In.Data + In.Pos, got);
+        In.Skip(sizeof LEVEL_MAGIC);
+        if (std::strcmp(magic, LEVEL_MAGIC) != 0)
+            ShowMessage(MSG_BAD_MAGIC, MSG_CAPTION, MSGICON_STOP);
+        if (!In.Raw(L.Name, LEVEL_NAME_SIZE))
+        {
+            Truncated(SECTION_HEADER);
+            return;
+        }
+        // Whatever the file holds, the name stays a terminated text.
+        L.Name[LEVEL_NAME_SIZE - 1] = 0;
+    }
+
+    void ReadPoints()
+    {
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.Points, MAX_POINTS, first, SECTION_POINTS))
+        {
+            if (!Need(12, SECTION_POINTS))
+                return;
+            VECTOR3D p;
+            In.Vec(p);
+            L.Points[index] = NewOrDie<VECTOR3D>(MSG_NOMEM_LOAD, p);
+        }
+    }
+
+    void ReadSegments()
+    {
+        uint32_t segSize = 0, sideSize = 0, doorSize = 0;
+        bool latched = false;
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.Segments, MAX_SEGMENTS, first, SECTION_SEGMENTS))
+        {
+            if (!latched)
+            {
+                // The first record's sizes hold for the whole file.
+                if (!In.PeekU32(0, segSize) || !In.PeekU32(SEGMENT_HEAD_SIZE, sideSize) ||
+                    !In.PeekU32(SEGMENT_HEAD_SIZE + SIDE_HEAD_SIZE, doorSize))
+                    return Truncated(SECTION_SEGMENTS);
+                if (segSize != SEGMENT_RECORD_SIZE && segSize != OLD_SEGMENT_RECORD_SIZE)
+                    return Stop(Printf(MSG_BAD_SEGMENT_SIZE, unsigned(segSize)));
+                if (sideSize != SIDE_RECORD_SIZE)
+                    return Stop(Printf(MSG_BAD_SIDE_SIZE, unsigned(sideSize)));
+                if (doorSize != DOOR_RECORD_SIZE)
+                    return Stop(Printf(MSG_BAD_DOOR_SIZE, unsigned(doorSize)));
+                latched = true;
+            }
+            bool hasType = sideSize * 6 + SEGMENT_HEAD_SIZE < segSize;
+            if (!Need(SEGMENT_HEAD_SIZE + 6 * (SIDE_HEAD_SIZE + doorSize) + (hasType ? 4 : 0), SECTION_SEGMENTS))
+                return;
+
+            SEGMENT s;
+            In.U32(s.RecordSize);
+            for (int32_t& n : s.Neighbours)
+                In.I32(n);
+            for (int32_t& c : s.Corners)
+                In.I32(c);
+            for (SIDE& side : s.Sides)
+            {
+                In.U32(side.RecordSize);
+                In.I32(side.Texture);
+                In.I32(side.WallType);
+                for (TEXPAIR& t : side.TexCoords)
+                {
+                    In.F32(t.s);
+                    In.F32(t.t);
+                }
+                for (VECTOR3D& c : side.Colours)
+                    In.Vec(c);
+                In.U32(side.Door.RecordSize);
+                In.I32(side.Door.State);
+                In.F32(side.Door.Opening);
+                In.I32(side.Door.Reserved);
+                In.I32(side.Door.SlideEdge);
+            }
+            if (hasType)
+                In.I32(s.Type);
+            L.Segments[index] = NewOrDie<SEGMENT>(MSG_NOMEM_LOAD, s);
+        }
+    }
+
+    void ReadTextures()
+    {
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.Textures, MAX_TEXTURES, first, SECTION_TEXTURES))
+        {
+            int32_t length;
+            if (!In.I32(length))
+                return Truncated(SECTION_TEXTURES);
+            if (length < 0 || length > TEXTURE_NAME_BUFFER)
+                return Stop(Printf(MSG_BAD_NAME_LENGTH, int(length)));
+            char name[TEXTURE_NAME_BUFFER + 1];
+            if (!In.Raw(name, size_t(length)))
+                return Truncated(SECTION_TEXTURES);
+            name[length] = 0;
+            L.Textures[index] = NewOrDie<TEXTURE>(MSG_NOMEM_LOAD, static_cast<const char*>(name));
+        }
+    }
+
+    void ReadThings()
+    {
+        const std::span<const THINGCLASS> classes = LevelReaderClasses();
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.Things, MAX_THINGS, first, SECTION_THINGS))
+        {
+            char name[THING_CLASS_NAME_SIZE + 1] = {};
+            if (!In.Raw(name, THING_CLASS_NAME_SIZE))
+                return Truncated(SECTION_THINGS);
+            const THINGCLASS* cls = nullptr;
+            for (const THINGCLASS& c : classes)
+                if (std::strcmp(c.Name, name) == 0)
+                {
+                    cls = &c;
+                    break;
+                }
+            if (!cls)
+                FatalMessage(MSG_UNDEFINED_THING, Cp1250ToUtf8(name), MSGICON_STOP, FATAL_STATUS);
+
+            // The size is checked before anything is constructed: a thing's
+            // destructor may have effects on the level, so none is built in vain.
+            int32_t size;
+            if (!In.I32(size))
+                return Truncated(SECTION_THINGS);
+            if (size != cls->Size)
+                return Stop(Printf(MSG_BAD_THING_SIZE, Cp1250ToUtf8(name).c_str(), int(size), int(cls->Size)));
+            size_t body = size_t(size) - 4;
+            if (!Need(body, SECTION_THINGS))
+                return;
+            THING* t = nullptr;
+            try
+            {
+                t = cls->Construct();
+            }
+            catch (const std::bad_alloc&)
+            {
+                FatalMessage(MSG_NOMEM_LOAD);
+            }
+            size_t start = In.Pos;
+            t->ReadMembers(In);
+            // Stay in step with the file whatever the class read.
+            In.Pos = start + body;
+            L.Things[index] = t;
+            t->AfterLoad();
+        }
+    }
+
+    void ReadLights()
+    {
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.Lights, MAX_LIGHTS, first, SECTION_LIGHTS))
+        {
+            if (!Need(STATICLIGHT_RECORD_SIZE, SECTION_LIGHTS))
+                return;
+            STATICLIGHT l{};
+            In.Vec(l.Position);
+            In.Vec(l.Colour);
+            In.F32(l.Brightness);
+            L.Lights[index] = NewOrDie<STATICLIGHT>(MSG_NOMEM_LOAD, l);
+        }
+    }
+
+    void ReadSpecPoints()
+    {
+        int32_t index;
+        bool first = true;
+        while (NextIndex(index, L.SpecPoints, MAX_SPECPOINTS, first, SECTION_SPECPOINTS))
+        {
+            if (!Need(SPECPOINT_RECORD_SIZE, SECTION_SPECPOINTS))
+                return;
+            SPECPOINT sp{};
+            In.Vec(sp.Position);
+            In.I32(sp.Type);
+            L.SpecPoints[index] = NewOrDie<SPECPOINT>(MSG_NOMEM_LOAD, sp);
+        }
+    }
+};
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+
+std::vector<uint8_t> ORVLEVEL::Serialize()
+{
+    const int points = CountOf(Points, MAX_POINTS);
+    const int segments = CountOf(Segments, MAX_SEGMENTS);
+    const int textures = CountOf(Textures, MAX_TEXTURES);
+    const int things = CountOf(Things, MAX_THINGS);
+    const int lights = CountOf(Lights, MAX_LIGHTS);
+    const int specPoints = CountOf(SpecPoints, MAX_SPECPOINTS);
+
+    BINWRITER w;
+    // Things are sized by their largest class; the rest exactly.
+    w.Bytes.reserve(sizeof LEVEL_MAGIC + LEVEL_NAME_SIZE + 6 * 4 + size_t(points) * 16 +
+                    size_t(segments) * (4 + SEGMENT_RECORD_SIZE) + size_t(textures) * (8 + TEXTURE_NAME_SIZE) +
+                    size_t(things) * (8 + THING_CLASS_NAME_SIZE + 1233) + size_t(lights) * (4 + STATICLIGHT_RECORD_SIZE) +
+                    size_t(specPoints) * (4 + SPECPOINT_RECORD_SIZE));
+
+    w.Raw(LEVEL_MAGIC, sizeof LEVEL_MAGIC);
+    w.Raw(Name, LEVEL_NAME_SIZE);
+
+    for (int i = 0; Points && i < MAX_POINTS; ++i)
+        if (Points[i])
+        {
+            w.I32(i);
+            w.Vec(*Points[i]);
+        }
+    w.I32(END_OF_SECTION);
+
+    for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
+        if (Segments[i])
+        {
+            Segments[i]->RecordSize = SEGMENT_RECORD_SIZE;
+            w.I32(i);
+            WriteSegment(w, *Segments[i]);
+        }
+    w.I32(END_OF_SECTION);
+
+    for (int i = 0; Textures && i < MAX_TEXTURES; ++i)
+        if (Textures[i])
+        {
+            w.I32(i);
+            w.I32(TEXTURE_NAME_SIZE);
+            w.Text(Textures[i]->FileName, TEXTURE_NAME_SIZE);
+        }
+    w.I32(END_OF_SECTION);
+
+    for (int i = 0; Things && i < MAX_THINGS; ++i)
+        if (Things[i])
+            Things[i]->WriteRecord(w, i);
+    w.I32(END_OF_SECTION);
+
+    for (int i = 0; Lights && i < MAX_LIGHTS; ++i)
+        if (Lights[i])
+        {
+            w.I32(i);
+            w.Vec(Lights[i]->Position);
+            w.Vec(Lights[i]->Colour);
+            w.F32(Lights[i]->Brightness);
+        }
+    w.I32(END_OF_SECTION);
+
+    for (int i = 0; SpecPoints && i < MAX_SPECPOINTS; ++i)
+        if (SpecPoints[i])
+        {
+            w.I32(i);
+            w.Vec(SpecPoints[i]->Position);
+            w.I32(SpecPoints[i]->Type);
+        }
+    w.I32(END_OF_SECTION);
+
+    return std::move(w.Bytes);
+}
+
+void ORVLEVEL::Deserialize(const uint8_t* data, size_t size)
+{
+    if (!Points || !Segments || !Textures || !Things || !Lights || !SpecPoints)
+    {
+        try
+        {
+            AllocateTables();
+        }
+        catch (const std::bad_alloc&)
+        {
+            FatalMessage(MSG_NOMEM_TABLES);
+        }
+    }
+    LEVELREADER(*this, data, size).Run();
+    delete InvisibleSideTexture;
+    InvisibleSideTexture = nullptr;
+    InvisibleSideTexture = NewOrDie<TEXTURE>(MSG_NOMEM_LOAD, "InvSide.bmp");
+}
+
+void ORVLEVEL::SaveLevel(const char* fileName)
+{
+    std::vector<uint8_t> image;
+    try
+    {
+        FileName = std::string(fileName ? fileName : "");
+        image = Serialize();
+    }
+    catch (const std::bad_alloc&)
+    {
+        FatalMessage(MSG_NOMEM_SAVE);
+    }
+    if (!ReplaceFile(*FileName, image))
+        ShowMessage(Format(MSG_CANNOT_SAVE, *FileName), MSG_CAPTION, MSGICON_STOP);
+}
+
+void ORVLEVEL::Save()
+{
+    if (!FileName)
+        return;
+    std::string name = *FileName; // SaveLevel replaces FileName
+    SaveLevel(name.c_str());
+}
+
+void ORVLEVEL::LoadLevel(const char* fileName)
+{
+    std::string name = fileName ? fileName : "";
+    std::vector<uint8_t> image;
+    // Nothing is destroyed until the whole file is in memory.
+    if (!ReadWholeFile(name, image))
+    {
+        ShowMessage(Format(MSG_CANNOT_READ, name), MSG_CAPTION, MSGICON_STOP);
+        return;
+    }
+    Clear();
+    try
+    {
+        AllocateTables();
+    }
+    catch (const std::bad_alloc&)
+    {
+        FatalMessage(MSG_NOMEM_TABLES);
+    }
+    try
+    {
+        FileName = std::move(name);
+    }
+    catch (const std::bad_alloc&)
+    {
+        FatalMessage(MSG_NOMEM_LOAD);
+    }
+    Deserialize(image.data(), image.size());
+}

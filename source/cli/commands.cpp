@@ -1,0 +1,57 @@
+#include "cli/commands.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+const CLICOMMAND Commands[] = {
+    {"new", "OUT", "save the default level", 1, 1, CmdNew},
+    {"resave", "IN OUT", "load a level and save it again", 2, 2, CmdResave},
+    {"dump", "IN", "print the whole level as JSON", 1, 1, CmdDump},
+    {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},
+    {"wave", "FILE", "print a wave file's format, frequency and size as JSON", 1, 1, CmdWave},
+};
+
+void PrintUsage(std::FILE* to)
+{
+    std::fputs("usage: orvane-cli COMMAND ARGUMENTS...\n", to);
+    for (const CLICOMMAND& c : Commands)
+    {
+        char line[64];
+        std::snprintf(line, sizeof line, "%s %s", c.Name, c.Arguments);
+        std::fprintf(to, "  orvane-cli %-22s %s\n", line, c.Summary);
+    }
+}
+
+} // namespace
+
+std::span<const CLICOMMAND> CliCommands()
+{
+    return Commands;
+}
+
+int RunCommandLine(int argc, char** argv)
+{
+    if (argc == 2 && (!std::strcmp(argv[1], "help") || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")))
+    {
+        PrintUsage(stdout);
+        return 0;
+    }
+    if (argc >= 2)
+    {
+        int count = argc - 2;
+        for (const CLICOMMAND& c : Commands)
+            if (!std::strcmp(c.Name, argv[1]))
+            {
+                if (count < c.MinArgs || count > c.MaxArgs)
+                {
+                    std::fprintf(stderr, "orvane-cli %s: wrong number of arguments\n", c.Name);
+                    break;
+                }
+                return c.Run(std::span<char* const>(argv + 2, size_t(count)));
+            }
+    }
+    PrintUsage(stderr);
+    return EXIT_USAGE;
+}

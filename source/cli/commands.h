@@ -1,0 +1,32 @@
+// The commands of orvane-cli. A command gets the arguments that follow its
+// name (their count already checked against the table) and returns the
+// program's exit status.
+#pragma once
+
+#include <span>
+
+constexpr int EXIT_USAGE = 2;
+
+struct CLICOMMAND
+{
+    const char* Name;
+    const char* Arguments; // for the usage text
+    const char* Summary;
+    int MinArgs;
+    int MaxArgs;
+    int (*Run)(std::span<char* const> args);
+};
+
+std::span<const CLICOMMAND> CliCommands();
+
+// Looks up the command in argv[1] and runs it; usage errors exit 2.
+int RunCommandLine(int argc, char** argv);
+
+// cmd_level.cpp
+int CmdNew(std::span<char* const> args);
+int CmdResave(std::span<char* const> args);
+int CmdDump(std::span<char* const> args);
+
+// cmd_media.cpp
+int CmdMesh(std::span<char* const> args);
+int CmdWave(std::span<char* const> args);

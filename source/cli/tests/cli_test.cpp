@@ -1,0 +1,199 @@
+// Runs the built orvane-cli as its own process, from the program directory.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct RUN
+{
+    int Status;
+    std::string Out;
+    std::string Err;
+};
+
+std::string ReadText(const fs::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void WriteText(const fs::path& p, const std::string& bytes)
+{
+    std::ofstream(p, std::ios::binary) << bytes;
+}
+
+class CliTest : public ::testing::Test
+{
+protected:
+    fs::path Dir;
+
+    void SetUp() override
+    {
+        std::string t = (fs::temp_directory_path() / "orvcli-XXXXXX").string();
+        ASSERT_NE(mkdtemp(t.data()), nullptr);
+        Dir = t;
+        fs::create_directory(Dir / "io");
+    }
+    void TearDown() override { fs::remove_all(Dir); }
+
+    fs::path In(const char* name) const { return Dir / name; }
+
+    RUN Cli(const std::vector<std::string>& args) const
+    {
+        const fs::path out = Dir / "io" / "stdout", err = Dir / "io" / "stderr";
+        std::vector<char*> argv{const_cast<char*>(ORV_CLI_PATH)};
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        pid_t pid = fork();
+        if (pid == 0)
+        {
+            int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            int e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            if (o < 0 || e < 0 || dup2(o, 1) < 0 || dup2(e, 2) < 0 || chdir(ORV_CLI_WORKDIR) != 0)
+                _exit(126);
+            execv(ORV_CLI_PATH, argv.data());
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(pid, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadText(out), ReadText(err)};
+    }
+};
+
+const char* const SIDE_JSON =
+    R"({"recordSize": 112, "texture": 0, "wallType": 1, "texCoords": [[1, 1], [0, 1], [0, 0], [1, 0]], )"
+    R"("colours": [[1, 1, 1], [1, 1, 1], [1, 1, 1], [1, 1, 1]], )"
+    R"("door": {"recordSize": 20, "state": 0, "opening": 0, "reserved": 1, "slideEdge": 0}})";
+
+TEST_F(CliTest, NewSavesTheDefaultLevelAndResaveKeepsEveryByte)
+{
+    RUN r = Cli({"new", In("a.ORVLevel")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "");
+    EXPECT_EQ(fs::file_size(In("a.ORVLevel")), 1451u);
+
+    r = Cli({"resave", In("a.ORVLevel"), In("b.ORVLevel")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "");
+    EXPECT_EQ(ReadText(In("b.ORVLevel")), ReadText(In("a.ORVLevel")));
+}
+
+TEST_F(CliTest, DumpOfTheDefaultLevel)
+{
+    ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
+    std::string sides;
+    for (int i = 0; i < 6; ++i)
+        sides += (i ? ", " : "") + std::string(SIDE_JSON);
+    const std::string expected =
+        R"({"name": "UNNAMED", "fileName": ")" + In("a.ORVLevel").string() + R"(", )"
+        R"("selection": {"segment": -1, "side": 0, "point": 0}, "currentTexture": 0, )"
+        R"("points": [{"index": 0, "x": -100, "y": 100, "z": 100}, {"index": 1, "x": 100, "y": 100, "z": 100}, )"
+        R"({"index": 2, "x": -100, "y": -100, "z": 100}, {"index": 3, "x": 100, "y": -100, "z": 100}, )"
+        R"({"index": 4, "x": -100, "y": 100, "z": -100}, {"index": 5, "x": 100, "y": 100, "z": -100}, )"
+        R"({"index": 6, "x": -100, "y": -100, "z": -100}, {"index": 7, "x": 100, "y": -100, "z": -100}], )"
+        R"("segments": [{"index": 0, "recordSize": 736, "type": 0, "neighbours": [-1, -1, -1, -1, -1, -1], )"
+        R"("corners": [0, 1, 2, 3, 4, 5, 6, 7], "sides": [)" + sides + R"(]}], )"
+        R"("textures": [{"index": 0, "fileName": "WallTex.bmp"}], "things": [], "lights": [], "specPoints": []})"
+        "\n";
+    RUN r = Cli({"dump", In("a.ORVLevel")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "");
+    EXPECT_EQ(r.Out, expected);
+}
+
+TEST_F(CliTest, UsageErrorsExitWithTwo)
+{
+    const std::vector<std::vector<std::string>> wrong = {
+        {}, {"frobnicate"}, {"new"}, {"new", "a", "b"}, {"resave", "a"}, {"dump"}, {"dump", "a", "b"}};
+    for (const auto& args : wrong)
+    {
+        RUN r = Cli(args);
+        EXPECT_EQ(r.Status, 2) << args.size();
+        EXPECT_NE(r.Err.find("usage: orvane-cli"), std::string::npos);
+        EXPECT_EQ(r.Out, "");
+    }
+    EXPECT_FALSE(fs::exists(fs::path(ORV_CLI_WORKDIR) / "b"));
+}
+
+TEST_F(CliTest, BrokenInputsAreReported)
+{
+    ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
+    const std::string level = ReadText(In("a.ORVLevel"));
+
+    std::string badMagic = level;
+    badMagic[7] = 'X';
+    WriteText(In("magic.ORVLevel"), badMagic);
+    RUN r = Cli({"dump", In("magic.ORVLevel")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "message [HIBA!] Nem Orvane Battle pálya ez.\n");
+    EXPECT_EQ(r.Out.rfind(R"({"name": "UNNAMED", )", 0), 0u);
+
+    // A "PICKUP" record where the default level's things section is empty.
+    std::string pickup(4 + 40 + 4 + 147, '\0');
+    std::string("PICKUP").copy(&pickup[4], 6);
+    pickup[44] = char(151);
+    std::string withThing = level;
+    withThing.insert(level.size() - 12, pickup);
+    WriteText(In("thing.ORVLevel"), withThing);
+    r = Cli({"dump", In("thing.ORVLevel")});
+    EXPECT_EQ(r.Status, 1);
+    EXPECT_EQ(r.Err, "message [PICKUP] Undefined Thing:\n");
+    EXPECT_EQ(r.Out, "");
+
+    r = Cli({"dump", In("missing.ORVLevel")});
+    EXPECT_EQ(r.Status, 1);
+    EXPECT_EQ(r.Err.rfind("message [HIBA!] ", 0), 0u);
+    EXPECT_EQ(r.Out, "");
+
+    for (const char* target : {"nodir/b.ORVLevel", "io"})
+    {
+        r = Cli({"resave", In("a.ORVLevel"), In(target)});
+        EXPECT_EQ(r.Status, 1);
+        EXPECT_EQ(r.Err.rfind("message [HIBA!] ", 0), 0u);
+        EXPECT_NE(r.Err.find(In(target).string()), std::string::npos);
+    }
+}
+
+} // namespace
+
+TEST_F(CliTest, MeshAndWaveDescribeDataFiles)
+{
+    RUN r = Cli({"mesh", "SpaceShip.lwo", "5"});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "");
+    EXPECT_EQ(r.Out.rfind(R"({"file": "SpaceShip.lwo", "scale": 5, "vertices": )", 0), 0u) << r.Out;
+    EXPECT_NE(r.Out.find(R"("outerRadius": )"), std::string::npos);
+
+    r = Cli({"wave", "Missile.wav"});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Out, R"({"file": "Missile.wav", "format": "AL_FORMAT_MONO16", "frequency": 22050, "size": 44100})"
+                     "\n");
+
+    // A broken mesh still shows what was read, but fails; a missing one or
+    // a bad scale never gets that far.
+    WriteText(In("bad.lwo"), std::string("FORM\0\0\0\4LWO2", 12));
+    r = Cli({"mesh", In("bad.lwo").string(), "1"});
+    EXPECT_EQ(r.Status, 1);
+    EXPECT_EQ(r.Err, "message [" + In("bad.lwo").string() + "] LWOB chunk not found!\n");
+    EXPECT_NE(r.Out.find(R"("vertices": 0, "triangles": 0)"), std::string::npos);
+    EXPECT_EQ(Cli({"mesh", In("none.lwo").string(), "1"}).Status, 1);
+    EXPECT_EQ(Cli({"mesh", "SpaceShip.lwo", "big"}).Status, 2);
+
+    r = Cli({"wave", In("none.wav").string()});
+    EXPECT_EQ(r.Status, 255);
+    EXPECT_EQ(r.Err, "message [Error] File not found: " + In("none.wav").string() + "\n");
+    EXPECT_EQ(r.Out, "");
+}

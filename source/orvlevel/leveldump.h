@@ -1,0 +1,54 @@
+// The whole level as one line of JSON, for scripts and tests that look at a
+// level without the editor. Texts of the level (code page 1250) come out as
+// UTF-8.
+#pragma once
+
+#include "math/vector3d.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class ORVLEVEL;
+
+// Writes JSON into Out with ", " between items and ": " after keys. Every
+// value goes either into an open array or after a Key of an open object.
+// Game-object classes use it to add their members to the dump.
+class JSONWRITER
+{
+public:
+    std::string Out;
+
+    void BeginObject();
+    void EndObject();
+    void BeginArray();
+    void EndArray();
+    // The key of the next member of the open object; its value follows.
+    JSONWRITER& Key(std::string_view name);
+
+    void Int(int64_t v);
+    // The shortest decimal that reads back as the same float; NaN and the
+    // infinities, which JSON cannot carry, as the strings "nan", "inf", "-inf".
+    void Float(float v);
+    void Bool(bool v);
+    void Null();
+    void String(std::string_view utf8);
+    // A code page 1250 text stored in a fixed field, up to its NUL.
+    void Text1250(const char* text, size_t field);
+    // [x, y, z]
+    void Vec(VECTOR3D v);
+    void Floats(const float* v, size_t count);
+    void Ints(const int32_t* v, size_t count);
+
+private:
+    // One entry per open array or object: true until its first item.
+    std::vector<bool> First;
+    bool AfterKey = false;
+
+    void BeforeValue();
+    void Escaped(std::string_view utf8);
+};
+
+std::string DumpLevelJson(const ORVLEVEL& level);
