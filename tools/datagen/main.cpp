@@ -13,5 +13,7 @@ int main(int argc, char** argv)
     }
     std::string dir = argv[1];
     bool ok = WriteBitmaps(dir);
+    ok = WriteMeshes(dir) && ok;
+    ok = WriteSounds(dir) && ok;
     return ok ? 0 : 1;
 }

@@ -1,0 +1,243 @@
+// The sound system against the real OpenAL library, on its null output so
+// that no sound card is needed.
+#include <gtest/gtest.h>
+
+#include "math/random.h"
+#include "platform/tests/testplatform.h"
+#include "platform/timer.h"
+#include "sound/buffer.h"
+#include "sound/objectal.h"
+#include "sound/source.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// Queries the sound code itself never needs, looked up in the loaded library.
+template <typename F>
+F Entry(const char* name)
+{
+    F f = reinterpret_cast<F>(OpenALEntry(name));
+    EXPECT_NE(f, nullptr) << name;
+    return f;
+}
+
+ALint SourceInt(ALuint source, ALenum what)
+{
+    ALint v = -12345;
+    alGetSourcei(source, what, &v);
+    return v;
+}
+
+bool IsSource(ALuint source)
+{
+    return Entry<LPALISSOURCE>("alIsSource")(source);
+}
+
+// The binding alone, loaded for the null output.
+class OpenALTest : public PlatformTest
+{
+protected:
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        setenv("ALSOFT_DRIVERS", "null", 1);
+        if (!OpenALLoaded())
+            LoadOpenAL();
+    }
+};
+
+// A sound system made for each test and closed after it.
+class SoundTest : public OpenALTest
+{
+protected:
+    std::unique_ptr<OBJECTAL> Sound;
+
+    void SetUp() override
+    {
+        OpenALTest::SetUp();
+        Sound = std::make_unique<OBJECTAL>();
+    }
+    void TearDown() override { Sound.reset(); }
+};
+
+} // namespace
+
+TEST_F(OpenALTest, MissingLibraryOrEntryPointEndsTheProgram)
+{
+    try {
+        LoadOpenAL("liborv-no-such-audio.so.1");
+        FAIL();
+    } catch (const FATALEXIT&) {
+    }
+    ASSERT_EQ(P().Messages.size(), 1u);
+    EXPECT_NE(P().Messages[0].Text.find("AL_OpenAL32DLL!=NULL"), std::string::npos) << P().Messages[0].Text;
+    EXPECT_NE(P().Messages[0].Text.find("al/al"), std::string::npos);
+
+    // A library without the entry points fails on the first one.
+    P().Reset();
+    try {
+        LoadOpenAL("libm.so.6");
+        FAIL();
+    } catch (const FATALEXIT&) {
+    }
+    ASSERT_EQ(P().Messages.size(), 1u);
+    EXPECT_NE(P().Messages[0].Text.find("alGenBuffers!=NULL"), std::string::npos) << P().Messages[0].Text;
+    EXPECT_FALSE(OpenALLoaded());
+
+    LoadOpenAL();
+    EXPECT_TRUE(OpenALLoaded());
+}
+
+TEST_F(OpenALTest, WithoutASoundSystemSourcesAreSilentAndInvalid)
+{
+    ASSERT_EQ(SourceCount, 0);
+    SOURCE s(nullptr, 1, 2, 3, 0, 0, 0);
+    EXPECT_FALSE(s.valid);
+    EXPECT_EQ(s.GetState(), -1);
+    s.Play();
+    s.SetLooping(true);
+}
+
+TEST_F(OpenALTest, NoDeviceFallsBackToTheNullOutput)
+{
+    // A driver list that names no usable driver: the default device fails.
+    FreeOpenAL();
+    setenv("ALSOFT_DRIVERS", "orv-none", 1);
+    LoadOpenAL();
+    testing::internal::CaptureStderr();
+    {
+        OBJECTAL sound;
+        EXPECT_NE(sound.device, nullptr);
+        EXPECT_NE(sound.context, nullptr);
+        EXPECT_TRUE(sound.Silent());
+        EXPECT_EQ(SourceCount, SOURCE_POOL_SIZE);
+    }
+    std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("No sound device"), std::string::npos) << said;
+    EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(SoundTest, PoolHandsOutFreeSlotsThenStealsOne)
+{
+    ASSERT_NE(Sound->device, nullptr);
+    ASSERT_EQ(SourceCount, SOURCE_POOL_SIZE);
+    for (int i = 0; i < SourceCount; ++i)
+        EXPECT_EQ(SourceInt(SourcePool[i], AL_SOURCE_TYPE), AL_UNDETERMINED);
+
+    auto buffer = std::make_unique<BUFFER>("Missile.wav");
+    std::vector<std::unique_ptr<SOURCE>> sources;
+    for (int i = 0; i < SOURCE_POOL_SIZE; ++i) {
+        sources.push_back(std::make_unique<SOURCE>(buffer.get(), float(i), 0, 0, 0, 0, 0));
+        ASSERT_TRUE(sources.back()->valid);
+        EXPECT_EQ(sources.back()->index, i);
+        sources.back()->SetLooping(true);
+        sources.back()->Play();
+    }
+    ALfloat distance = 0;
+    Entry<LPALGETSOURCEF>("alGetSourcef")(SourcePool[17], AL_REFERENCE_DISTANCE, &distance);
+    EXPECT_EQ(distance, 100.0f);
+    EXPECT_EQ(sources[17]->GetState(), AL_PLAYING);
+    EXPECT_EQ(SourceInt(SourcePool[17], AL_BUFFER), ALint(buffer->buffer));
+
+    // The 51st takes over a random slot: the looping sound there stops, as
+    // the slot now holds a new source that has not been played yet.
+    SRand(5);
+    SOURCE extra(buffer.get(), 0, 0, 0, 0, 0, 0);
+    ASSERT_TRUE(extra.valid);
+    ASSERT_GE(extra.index, 0);
+    ASSERT_LT(extra.index, SOURCE_POOL_SIZE);
+    for (int i = 0; i < SOURCE_POOL_SIZE; ++i)
+        EXPECT_EQ(SourceInt(SourcePool[i], AL_SOURCE_STATE), i == extra.index ? AL_INITIAL : AL_PLAYING) << i;
+    EXPECT_TRUE(IsSource(SourcePool[extra.index]));
+    EXPECT_EQ(SourceInt(SourcePool[extra.index], AL_LOOPING), 0);
+
+    // A destroyed source leaves a fresh, empty source that the next one gets.
+    int freed = (extra.index + 3) % SOURCE_POOL_SIZE;
+    sources[freed].reset();
+    EXPECT_TRUE(IsSource(SourcePool[freed]));
+    EXPECT_EQ(SourceInt(SourcePool[freed], AL_SOURCE_TYPE), AL_UNDETERMINED);
+    EXPECT_EQ(SourceInt(SourcePool[freed], AL_SOURCE_STATE), AL_INITIAL);
+    SOURCE next(buffer.get(), 0, 0, 0, 0, 0, 0);
+    EXPECT_EQ(next.index, freed);
+
+    sources.clear();
+    ALenum error = alGetError();
+    EXPECT_EQ(error, AL_NO_ERROR);
+}
+
+TEST_F(SoundTest, SourcePropertiesAndTheInvalidCase)
+{
+    BUFFER buffer("LaserShot.wav");
+    SOURCE s(&buffer, 1, 2, 3, 4, 5, 6);
+    ASSERT_TRUE(s.valid);
+    ALuint name = SourcePool[s.index];
+    auto get3f = Entry<LPALGETSOURCE3F>("alGetSource3f");
+    ALfloat x, y, z;
+    get3f(name, AL_VELOCITY, &x, &y, &z);
+    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(4, 5, 6));
+    s.SetPosition(7, 8, 9);
+    get3f(name, AL_POSITION, &x, &y, &z);
+    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(7, 8, 9));
+
+    // An invalid source does nothing, but looping still reaches its slot.
+    s.valid = false;
+    s.SetPosition(0, 0, 0);
+    s.Play();
+    get3f(name, AL_POSITION, &x, &y, &z);
+    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(7, 8, 9));
+    EXPECT_EQ(SourceInt(name, AL_SOURCE_STATE), AL_INITIAL);
+    EXPECT_EQ(s.GetState(), -1);
+    s.SetLooping(true);
+    EXPECT_EQ(SourceInt(name, AL_LOOPING), 1);
+    s.valid = true;
+
+    // The listener: position, then the view direction and the up vector.
+    SetListener({10, 20, 30}, {0, 0, -1}, {0, 1, 0});
+    ALfloat orientation[6];
+    Entry<LPALGETLISTENERFV>("alGetListenerfv")(AL_ORIENTATION, orientation);
+    EXPECT_EQ(std::vector<float>(orientation, orientation + 6), (std::vector<float>{0, 0, -1, 0, 1, 0}));
+    Entry<LPALGETLISTENER3F>("alGetListener3f")(AL_POSITION, &x, &y, &z);
+    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(10, 20, 30));
+}
+
+TEST_F(SoundTest, SoundsPlayToTheirEndOnTheNullOutput)
+{
+    BUFFER buffer("LaserShot.wav");
+    ALint size = 0, frequency = 0;
+    auto getBufferi = Entry<LPALGETBUFFERI>("alGetBufferi");
+    getBufferi(buffer.buffer, AL_SIZE, &size);
+    getBufferi(buffer.buffer, AL_FREQUENCY, &frequency);
+    EXPECT_EQ(uint32_t(size), buffer.size);
+    EXPECT_EQ(frequency, 22050);
+
+    SOURCE s(&buffer, 0, 0, 0, 0, 0, 0);
+    s.Play();
+    EXPECT_EQ(s.GetState(), AL_PLAYING);
+    auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (s.GetState() == AL_PLAYING && std::chrono::steady_clock::now() < until)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(s.GetState(), AL_STOPPED);
+}
+
+TEST_F(SoundTest, AdvancedBufferIsReadyAgainAfterItsRandomPause)
+{
+    ADVBUFFER sound("Powerup.wav");
+    SRand(3);
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(sound.Ready());
+        uint32_t pause = sound.timer->Interval;
+        EXPECT_LT(pause, 50u);
+        if (pause == 0)
+            continue; // a pause of 0 leaves the timer unarmed: ready at once
+        EXPECT_FALSE(sound.Ready());
+        P().Now += pause;
+        EXPECT_FALSE(sound.Ready());
+        P().Now += 1;
+    }
+}

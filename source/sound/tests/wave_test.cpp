@@ -1,0 +1,241 @@
+#include <gtest/gtest.h>
+
+#include "platform/tests/testplatform.h"
+#include "sound/buffer.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<uint8_t>;
+
+namespace {
+
+void Le16(Bytes& b, uint16_t v)
+{
+    b.push_back(uint8_t(v));
+    b.push_back(uint8_t(v >> 8));
+}
+
+void Le32(Bytes& b, uint32_t v)
+{
+    Le16(b, uint16_t(v));
+    Le16(b, uint16_t(v >> 16));
+}
+
+// A chunk, padded to even length; statedSize overrides the size field.
+Bytes Chunk(const char* id, const Bytes& body, uint32_t statedSize = UINT32_MAX)
+{
+    Bytes b(id, id + 4);
+    Le32(b, statedSize == UINT32_MAX ? uint32_t(body.size()) : statedSize);
+    b.insert(b.end(), body.begin(), body.end());
+    if (body.size() % 2)
+        b.push_back(0);
+    return b;
+}
+
+Bytes Fmt(uint16_t channels, uint32_t rate, uint16_t bits, Bytes extension = {})
+{
+    Bytes b;
+    Le16(b, 1);
+    Le16(b, channels);
+    Le32(b, rate);
+    Le32(b, rate * channels * bits / 8);
+    Le16(b, uint16_t(channels * bits / 8));
+    Le16(b, bits);
+    b.insert(b.end(), extension.begin(), extension.end());
+    return Chunk("fmt ", b);
+}
+
+Bytes Riff(const std::vector<Bytes>& chunks, const char* form = "WAVE")
+{
+    Bytes body(form, form + 4);
+    for (const Bytes& c : chunks)
+        body.insert(body.end(), c.begin(), c.end());
+    return Chunk("RIFF", body);
+}
+
+struct WAVE
+{
+    ALenum Format = 0;
+    void* Data = nullptr;
+    uint32_t Size = 0;
+    uint32_t Frequency = 0;
+    void* Memory = nullptr;
+
+    explicit WAVE(const std::string& file) { LoadWave(file.c_str(), &Format, &Data, &Size, &Frequency, &Memory); }
+    ~WAVE() { std::free(Memory); }
+    Bytes Samples() const { return Bytes(static_cast<uint8_t*>(Data), static_cast<uint8_t*>(Data) + Size); }
+    int16_t Sample16(size_t i) const
+    {
+        int16_t v;
+        std::memcpy(&v, static_cast<uint8_t*>(Data) + 2 * i, 2);
+        return v;
+    }
+};
+
+class WaveTest : public PlatformTest
+{
+protected:
+    fs::path Dir = fs::temp_directory_path() / ("orv-wave-" + std::to_string(getpid()));
+
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        fs::create_directories(Dir);
+    }
+    void TearDown() override { fs::remove_all(Dir); }
+
+    std::string Write(const Bytes& b)
+    {
+        std::string file = (Dir / "t.wav").string();
+        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), b.size());
+        return file;
+    }
+
+    // Loads a file that must be refused; returns the message shown.
+    std::string Refusal(const std::string& file)
+    {
+        try {
+            WAVE w(file);
+        } catch (const FATALEXIT& e) {
+            EXPECT_EQ(e.Status, -1);
+            EXPECT_EQ(P().Messages.size(), 1u);
+            return P().Messages.empty() ? "" : P().Messages.back().Text;
+        }
+        ADD_FAILURE() << "the file was accepted";
+        return "";
+    }
+};
+
+} // namespace
+
+TEST_F(WaveTest, FormatFollowsChannelsAndBits)
+{
+    struct CASE
+    {
+        uint16_t Channels;
+        uint32_t Rate;
+        uint16_t Bits;
+        ALenum Format;
+    };
+    const CASE cases[] = {
+        {1, 22050, 8, AL_FORMAT_MONO8},    {2, 44100, 16, AL_FORMAT_STEREO16},
+        {1, 11025, 16, AL_FORMAT_MONO16},  {2, 8000, 8, AL_FORMAT_STEREO8},
+        {4, 44100, 16, AL_FORMAT_MONO16},  {2, 48000, 24, AL_FORMAT_STEREO8},
+        {6, 32000, 8, AL_FORMAT_MONO8},
+    };
+    Bytes samples{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    for (const CASE& c : cases) {
+        WAVE w(Write(Riff({Fmt(c.Channels, c.Rate, c.Bits), Chunk("data", samples)})));
+        EXPECT_EQ(w.Format, c.Format) << c.Channels << " channels, " << c.Bits << " bits";
+        EXPECT_EQ(w.Frequency, c.Rate);
+        EXPECT_EQ(w.Samples(), samples);
+        EXPECT_EQ(w.Data, w.Memory);
+    }
+    EXPECT_STREQ(WaveFormatName(AL_FORMAT_STEREO16), "AL_FORMAT_STEREO16");
+    EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(WaveTest, OtherChunksAndExtendedFormatAreSkipped)
+{
+    Bytes samples{10, 0, 20, 0, 30, 0};
+    // An extended format record (cbSize and more), a JUNK chunk before it,
+    // and an odd-sized LIST chunk with its pad byte between "fmt " and "data".
+    Bytes extension{4, 0, 0xAA, 0xBB, 0xCC, 0xDD};
+    WAVE w(Write(Riff({Chunk("JUNK", Bytes(7, 0x55)), Fmt(1, 22050, 16, extension),
+                       Chunk("LIST", Bytes{'I', 'N', 'F', 'O', 'x'}), Chunk("data", samples)})));
+    EXPECT_EQ(w.Format, AL_FORMAT_MONO16);
+    EXPECT_EQ(w.Samples(), samples);
+
+    // A RIFF of another form type before the wave is passed over.
+    Bytes two = Riff({Chunk("data", Bytes(4, 1))}, "AVI ");
+    Bytes wave = Riff({Fmt(1, 8000, 8), Chunk("data", Bytes{9})});
+    two.insert(two.end(), wave.begin(), wave.end());
+    WAVE w2(Write(two));
+    EXPECT_EQ(w2.Frequency, 8000u);
+    EXPECT_EQ(w2.Samples(), Bytes{9});
+}
+
+TEST_F(WaveTest, TruncatedDataKeepsWholeFramesOnly)
+{
+    Bytes samples(101, 7);
+    Bytes file = Riff({Fmt(1, 22050, 16), Chunk("data", samples, 4000)});
+    file.resize(file.size() - 1); // drop the pad byte: the file ends in the data
+    WAVE w(Write(file));
+    EXPECT_EQ(w.Size, 100u);
+    EXPECT_EQ(w.Samples(), Bytes(100, 7));
+
+    // A RIFF size beyond the file and a data size beyond the RIFF are cut too.
+    Bytes stereo = Riff({Fmt(2, 22050, 16), Chunk("data", Bytes(10, 3), 1u << 31)});
+    std::memset(&stereo[4], 0x7F, 4);
+    WAVE s(Write(stereo));
+    EXPECT_EQ(s.Size, 8u);
+    EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(WaveTest, BrokenFilesEndTheProgramWithTheirMessage)
+{
+    std::string missing = (Dir / "none.wav").string();
+    EXPECT_EQ(Refusal(missing), "File not found: " + missing);
+    EXPECT_EQ(P().Messages.back().Caption, "Error");
+
+    struct CASE
+    {
+        Bytes File;
+        const char* Message;
+    };
+    Bytes data = Chunk("data", Bytes(4, 0));
+    Bytes fmt = Fmt(1, 22050, 8);
+    Bytes shortFmt = Chunk("fmt ", Bytes(12, 1));
+    Bytes zeroRate = Fmt(1, 0, 8);
+    const CASE cases[] = {
+        {Bytes{'R', 'I', 'F'}, "Not a waveform file: %s"},
+        {Riff({fmt, data}, "AVI "), "Not a waveform file: %s"},
+        {Chunk("RIFX", Bytes{'W', 'A', 'V', 'E'}), "Not a waveform file: %s"},
+        {Riff({data}), "Waveform file %s is corrupted! 'fmt ' chunk not found!"},
+        {Riff({Chunk("fmt", Bytes(16, 0))}), "Waveform file %s is corrupted! 'fmt ' chunk not found!"},
+        {Riff({fmt}), "Waveform file %s is corrupted! 'data' chunk not found!"},
+        // The data search starts after "fmt ".
+        {Riff({data, fmt}), "Waveform file %s is corrupted! 'data' chunk not found!"},
+        {Riff({shortFmt, data}), "Waveform file %s is corrupted! Bad 'fmt ' chunk!"},
+        {Riff({zeroRate, data}), "Waveform file %s is corrupted! Bad 'fmt ' chunk!"},
+    };
+    for (const CASE& c : cases) {
+        P().Reset();
+        std::string file = Write(c.File);
+        std::string expected = c.Message;
+        expected.replace(expected.find("%s"), 2, file);
+        EXPECT_EQ(Refusal(file), expected);
+    }
+}
+
+TEST_F(WaveTest, GeneratedSounds)
+{
+    for (const char* name : {"LaserShot.wav", "ExpGen.wav", "Missile.wav", "Powerup.wav"}) {
+        WAVE w(name);
+        EXPECT_EQ(w.Format, AL_FORMAT_MONO16) << name;
+        EXPECT_EQ(w.Frequency, 22050u) << name;
+        EXPECT_GT(w.Size, 22050u / 5) << name;
+        EXPECT_LT(w.Size, 22050u * 2 * 3) << name;
+    }
+
+    // The missile's engine loops: the jump from the last sample back to the
+    // first is no bigger than the steps inside the file.
+    WAVE m("Missile.wav");
+    size_t n = m.Size / 2;
+    int largestStep = 0, peak = 0;
+    for (size_t i = 1; i < n; ++i) {
+        largestStep = std::max(largestStep, std::abs(m.Sample16(i) - m.Sample16(i - 1)));
+        peak = std::max(peak, std::abs(int(m.Sample16(i))));
+    }
+    EXPECT_GT(peak, 8000);
+    EXPECT_LE(std::abs(m.Sample16(0) - m.Sample16(n - 1)), largestStep);
+}
