@@ -15,6 +15,7 @@
 class TEXTURE;
 class THING;
 class BINWRITER;
+struct CAMERA;
 
 constexpr int MAX_POINTS = 40000;
 constexpr int MAX_SEGMENTS = 5000;
@@ -190,6 +191,81 @@ public:
     // The position of point `index`, or null when the index names no point.
     const VECTOR3D* PointAt(int32_t index) const;
 
+    // Segment construction and editing
+    // Selects the side under client pixel (x, y) of a width x height view
+    // seen through the camera. CurrentSide becomes 0 first, so a click into
+    // empty space leaves side 0 of the previous segment selected.
+    void PickSide(int x, int y, const CAMERA& camera, int width, int height);
+    // Extrudes a new segment from the selected side, as deep as the side's
+    // mean edge length. Beeps without a change when the side is already
+    // joined or there is no room for four points and a segment.
+    void NewSegment();
+    // Moves side b of segment B onto side a of segment A and links them; side
+    // corner 3 - shift of b meets corner 0 of a. The shift is taken mod 4.
+    bool JoinSides(int32_t a, int32_t sideA, int32_t b, int32_t sideB, int32_t shift);
+    // The selected side before the click is joined with (or fitted to) the
+    // side picked by the click; false when either is missing.
+    bool JoinWithPicked(int x, int y, const CAMERA& camera, int width, int height, int32_t shift);
+    // Carries side a's texture across the one edge it shares with side b.
+    bool FitTexture(int32_t a, int32_t sideA, int32_t b, int32_t sideB);
+    bool FitTextureToPicked(int x, int y, const CAMERA& camera, int width, int height);
+    void DeleteSegment(int32_t index);
+    void DeleteCurrentSegment();
+    // Drops the link of side `side` on both segments; both become walls.
+    void Unlink(int32_t index, int32_t side);
+    void MovePoint(float dx, float dy, float dz);
+    // Lays the selected side's texture out flat from its corner distances.
+    void RestoreTexture();
+    // Texture pairs for n corners laid out flat: corner 0 at the origin,
+    // corner 1 on the s axis, the rest on the positive t side; all divided by
+    // scale.
+    static void TexCoordsFromCorners(TEXPAIR* pairs, const VECTOR3D* corners, int n, float scale);
+    // Rewrites the pairs of every corner other than a and b so the texture
+    // keeps the scale and direction the known edge a-b has.
+    static void CalcTexCoordsFromEdge(TEXPAIR* pairs, const VECTOR3D* points, int n, int a, int b);
+
+    // Lighting
+    // Bakes every light into the corner colours of every textured side; a
+    // corner no light faces ends black. Untextured sides keep their colours.
+    void CalculateLighting();
+    // Every corner of every side, textured or not, becomes white.
+    void FullBrightness();
+    // The mean corner colour of the segment's textured sides; white when it
+    // has none, so objects in it are drawn untinted.
+    VECTOR3D SegmentColour(const SEGMENT& s) const;
+    // The new-light dialog's OK: a light at `position` (the camera's), its
+    // colour given per channel as the dialog shows it, 0 ... 255, unclamped.
+    // The light's index, or -1 when the light table is full.
+    int32_t NewLight(VECTOR3D position, double red, double green, double blue, float brightness);
+
+    // Collision and sight
+    // Whether the point (or, swept, its path from `from` to `to`) comes within
+    // `distance` of a solid side; with `correct` the tested point is pushed
+    // back to that distance and touched doors start opening. Mode 0 tests
+    // every segment, 1 the start segment and its neighbours, 2 the start
+    // segment only (1 and 2 fall back to 0 without a start segment). A
+    // negative or undefined distance counts as 0.
+    bool CollidePoint(VECTOR3D* from, int32_t mode, SEGMENT* start, float distance, bool swept,
+                      VECTOR3D* to, bool correct);
+    bool CollideSegment(VECTOR3D* from, SEGMENT* s, float distance, bool swept, VECTOR3D* to,
+                        bool correct);
+    // One triangle; its outward normal is the reverse of TriangleNormal(a, b, c).
+    static bool CollideTriangle(VECTOR3D* from, VECTOR3D a, VECTOR3D b, VECTOR3D c, float distance,
+                                bool swept, VECTOR3D* to, bool correct);
+    // The edge a-b, only where the foot of p lies between a and b.
+    static bool CollideEdge(VECTOR3D a, VECTOR3D b, VECTOR3D* p, float distance, bool correct);
+    // Whether `to` can be seen from `from` through openings, shoot-through
+    // and see-through sides. Without a start segment (or with one that is not
+    // in this level) the segment holding `from` is looked up.
+    bool LineOfSight(VECTOR3D from, VECTOR3D to, SEGMENT* start);
+    // Follows the line from segment k on; -1 when it ends inside a segment,
+    // else the blocking side of the last segment reached. A walk longer than
+    // the segment table (only links that loop allow it) stops as at a wall.
+    int32_t SightWalk(VECTOR3D from, VECTOR3D to, int32_t k) const;
+    // The side through which the line from -> to leaves segment k before
+    // reaching `to`, or -1.
+    int32_t FindCrossedSide(VECTOR3D from, VECTOR3D to, int32_t k) const;
+
     // Doors (game time).
     void OpenDoor(int32_t segment, int32_t side);
     void UpdateDoors();
@@ -258,6 +334,17 @@ private:
     // The four corner points of a side, false when one is missing.
     bool SidePoints(const SEGMENT& s, int side, VECTOR3D* out[4]) const;
     int32_t TextureIndexAt(int32_t position) const;
+    // Segment construction and editing
+    // At least `needed` free slots in a table, counted from its hint.
+    bool HasFreeSlots(TABLEID table, int needed) const;
+
+    // Collision and sight
+    // The side's corners with a door's sliding corners moved by its offset;
+    // false when a corner names no point. `index` is the segment's slot, or
+    // -2 to look it up only if the side is a door.
+    bool MovedSideCorners(const SEGMENT& s, int32_t& index, int side, VECTOR3D c[4]) const;
+    bool CollideSegmentAt(VECTOR3D* from, SEGMENT& s, int32_t index, float distance, bool swept,
+                          VECTOR3D* to, bool correct);
 
     // Lowest slot that may be free in each table: every slot below is in use.
     int FreeHint[6] = {};

@@ -1,0 +1,325 @@
+#include "orvlevel/level.h"
+
+#include "editor/camera.h"
+#include "math/geometry.h"
+#include "platform/tests/testplatform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+void ExpectPairs(const TEXPAIR* t, std::initializer_list<TEXPAIR> want)
+{
+    for (size_t k = 0; k < want.size(); ++k)
+    {
+        EXPECT_NEAR(t[k].s, want.begin()[k].s, 1e-4f) << "pair " << k;
+        EXPECT_NEAR(t[k].t, want.begin()[k].t, 1e-4f) << "pair " << k;
+    }
+}
+
+class LevelEditTest : public PlatformTest
+{
+protected:
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+    CAMERA Cam;
+    void Select(int seg, int side, int point = 0) { L->CurrentSegment = seg, L->CurrentSide = side, L->CurrentPoint = point; }
+    int Points() { return int(std::count_if(L->Points, L->Points + MAX_POINTS, [](auto p) { return p; })); }
+    int Segments() { return int(std::count_if(L->Segments, L->Segments + MAX_SEGMENTS, [](auto p) { return p; })); }
+    // An unjoined copy of the default cube moved by `offset`, on its own points.
+    int AddCube(VECTOR3D offset)
+    {
+        SEGMENT s = *L->Segments[0];
+        for (int i = 0; i < 8; ++i)
+            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
+        return L->Add(&s);
+    }
+    void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
+    void Click() { L->PickSide(320, 240, Cam, 640, 480); }
+};
+
+} // namespace
+
+TEST_F(LevelEditTest, NewSegmentFromEachSideOfTheCube)
+{
+    for (int side = 0; side < 6; ++side)
+    {
+        L = std::make_unique<ORVLEVEL>();
+        Select(0, side);
+        const int32_t* ix = L->GetCurrentSideIndices();
+        const int32_t in[4] = {ix[0], ix[1], ix[2], ix[3]};
+        const int32_t want[8] = {10, 11, 9, 8, in[2], in[3], in[1], in[0]};
+        VECTOR3D centre; // of the new cube: twice the face's centre
+        for (int k = 0; k < 4; ++k)
+            centre += *L->PointAt(in[k]) * 0.5f;
+        L->NewSegment();
+        ASSERT_EQ(Segments(), 2);
+        const SEGMENT& a = *L->Segments[0];
+        const SEGMENT& b = *L->Segments[1];
+        EXPECT_TRUE(std::equal(want, want + 8, b.Corners)) << side;
+        for (int k = 0; k < 4; ++k)
+            EXPECT_EQ(*L->PointAt(8 + k), *L->PointAt(in[k]) + centre) << side;
+        EXPECT_EQ(L->FindSegment(centre), 1) << side;
+        for (int k = 0; k < 6; ++k)
+        {
+            const VECTOR3D* c = L->GetSideCorners(1, k); // every normal points in
+            EXPECT_GT(Dot(TriangleNormal(c[0], c[1], c[2]), centre - c[0]), 0) << side;
+            EXPECT_EQ(b.Neighbours[k], k == 5 ? 0 : -1);
+            EXPECT_EQ(b.Sides[k].WallType, k == 5 ? WALL_PASSABLE : WALL_NORMAL);
+            EXPECT_EQ(b.Sides[k].Texture, k == 5 ? -1 : 0);
+            ExpectPairs(b.Sides[k].TexCoords, {{1, 1}, {0, 1}, {0, 0}, {1, 0}});
+        }
+        EXPECT_TRUE(a.Neighbours[side] == 1 && a.Sides[side].Texture == -1 && a.Sides[side].WallType == WALL_PASSABLE);
+        EXPECT_EQ(L->CurrentSegment, 0);
+        L->NewSegment(); // the side is taken now
+        EXPECT_EQ(P().Beeps, side + 1);
+        EXPECT_TRUE(Segments() == 2 && Points() == 12);
+    }
+}
+
+TEST_F(LevelEditTest, NewSegmentDepthAndRefusals)
+{
+    for (int i = 0; i < 8; ++i) // side 4 becomes 100 x 300
+        L->Points[i]->x *= 0.5f, L->Points[i]->y *= 1.5f;
+    L->NewSegment(); // nothing selected
+    Select(7, 4);    // an empty slot
+    L->NewSegment();
+    EXPECT_TRUE(P().Beeps == 0 && Segments() == 1);
+
+    // Room for three points only: refused, nothing added.
+    while (L->Add(VECTOR3D()) >= 0) {}
+    for (int p : {39999, 20000, 9})
+        L->DeletePoint(p);
+    Select(0, 4);
+    L->NewSegment();
+    EXPECT_EQ(P().Beeps, 1);
+    EXPECT_EQ(Points(), MAX_POINTS - 3);
+    EXPECT_EQ(L->Segments[0]->Neighbours[4], -1);
+    EXPECT_EQ(L->Segments[0]->Sides[4].WallType, WALL_NORMAL);
+
+    // A fourth slot: the points fill them lowest first, at the depth of the
+    // mean edge, 200.
+    L->DeletePoint(30000);
+    L->NewSegment();
+    ASSERT_EQ(Segments(), 2);
+    EXPECT_EQ(L->Segments[1]->Corners[3], 9);
+    EXPECT_EQ(L->Segments[1]->Corners[0], 30000);
+    EXPECT_EQ(L->PointAt(39999)->z, 300.0f);
+
+    // No segment slot left.
+    while (L->Add(L->Segments[0]) >= 0) {}
+    for (int p = 100; p < 104; ++p)
+        L->DeletePoint(p);
+    Select(0, 2);
+    L->NewSegment();
+    EXPECT_EQ(P().Beeps, 2);
+    EXPECT_EQ(Points(), MAX_POINTS - 4);
+    EXPECT_EQ(L->Segments[0]->Sides[2].WallType, WALL_NORMAL);
+}
+
+TEST_F(LevelEditTest, JoinSidesWithEveryShift)
+{
+    // Corners of side b that take side a's corners 0 ... 3, per shift mod 4.
+    const int want[4][4] = {{3, 2, 1, 0}, {2, 1, 0, 3}, {1, 0, 3, 2}, {0, 3, 2, 1}};
+    for (auto [shift, s] : {std::pair{0, 0}, {1, 1}, {2, 2}, {3, 3}, {7, 3}, {-1, 3}, {-6, 2}})
+    {
+        L = std::make_unique<ORVLEVEL>();
+        int b = AddCube({0, 300, 0});
+        EXPECT_FALSE(L->JoinSides(b, 2, b, 2, shift));
+        ASSERT_TRUE(L->JoinSides(0, 0, b, 2, shift));
+        const SEGMENT& A = *L->Segments[0];
+        const SEGMENT& B = *L->Segments[b];
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(B.Corners[SideCorners[2][want[s][i]]], A.Corners[SideCorners[0][i]]) << shift;
+        EXPECT_EQ(Points(), 12); // b's old bottom corners are gone
+        EXPECT_TRUE(A.Neighbours[0] == b && B.Neighbours[2] == 0);
+        EXPECT_TRUE(A.Sides[0].WallType == WALL_PASSABLE && B.Sides[2].WallType == WALL_PASSABLE);
+        EXPECT_TRUE(A.Sides[0].Texture == -1 && B.Sides[2].Texture == -1);
+    }
+}
+
+TEST_F(LevelEditTest, FitTextureAcrossASharedEdge)
+{
+    // Sides sharing 0, 1, 3 and 4 corners, and the same side: refused, unchanged.
+    SEGMENT copy = *L->Segments[0];
+    L->Add(&copy);
+    copy.Corners[5] = L->Add(VECTOR3D(0, 0, 0));
+    L->Add(&copy);
+    for (auto [b, side] : {std::pair{0, 2}, {2, 1}, {2, 0}, {1, 0}, {0, 0}})
+    {
+        EXPECT_FALSE(L->FitTexture(0, 0, b, side)) << b << "/" << side;
+        ExpectPairs(L->Segments[b]->Sides[side].TexCoords, {{1, 1}, {0, 1}, {0, 0}, {1, 0}});
+    }
+
+    ASSERT_TRUE(L->FitTexture(0, 0, 0, 1));
+    ExpectPairs(L->Segments[0]->Sides[1].TexCoords, {{1, 1}, {1, 0}, {0, 0}, {0, 1}});
+
+    TEXPAIR t[4] = {{9, 9}, {9, 9}, {1, 1}, {0, 1}};
+    const VECTOR3D sq[4] = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
+    ORVLEVEL::CalcTexCoordsFromEdge(t, sq, 4, 2, 3);
+    ExpectPairs(t, {{0, 2}, {1, 2}, {1, 1}, {0, 1}});
+    // A corner on the edge's line: rounding must not make a NaN.
+    for (int i = 1; i < 40; ++i)
+    {
+        VECTOR3D a(0.1f, 0.2f, 0.3f), d(0.3f, 0.7f, 1.1f);
+        const VECTOR3D line[3] = {a, a + d, a + d * (i * 0.37f)};
+        TEXPAIR p[3] = {{0, 0}, {1, 0}, {}};
+        ORVLEVEL::CalcTexCoordsFromEdge(p, line, 3, 0, 1);
+        EXPECT_NEAR(p[2].s, i * 0.37f, 1e-3f);
+        EXPECT_NEAR(p[2].t, 0, 0.05f);
+    }
+}
+
+TEST_F(LevelEditTest, PickSideFromTheStartUpCamera)
+{
+    // The camera sits on cube corner (100, 100, 100): a ray into the cube
+    // leaves it through the nearest of the planes x, y or z = -100; any other
+    // misses. Rays grazing a side's edge or diagonal are rounding's to call.
+    int seen[4] = {};
+    for (int x = 0; x < 640; x += 40)
+        for (int y = 0; y < 480; y += 40)
+        {
+            float sx = (x - 320) / 320.0f, sy = (y - 240) / 240.0f * 0.75f;
+            VECTOR3D d = Cam.ViewDir + sx * Cam.Right - sy * Cam.Up;
+            float t[3] = {-200 / d.x, -200 / d.y, -200 / d.z};
+            int axis = int(std::min_element(t, t + 3) - t);
+            bool inside = d.x < 0 && d.y < 0 && d.z < 0;
+            float second = std::min(t[(axis + 1) % 3], t[(axis + 2) % 3]);
+            VECTOR3D h = Cam.Position + t[axis] * d;
+            float u = axis == 0 ? h.y : h.x, v = axis == 2 ? h.y : h.z;
+            if (inside && (second - t[axis] < 1e-3f * second || std::fabs(u + v) < 1 || std::fabs(u - v) < 1))
+                continue;
+            Select(0, 4);
+            L->PickSide(x, y, Cam, 640, 480);
+            static const int exitSide[3] = {3, 2, 5};
+            EXPECT_EQ(L->CurrentSide, inside ? exitSide[axis] : 0) << x << "," << y;
+            EXPECT_EQ(L->CurrentSegment, 0);
+            ++seen[inside ? axis : 3];
+        }
+    EXPECT_TRUE(seen[0] && seen[1] && seen[2] && seen[3]);
+    Click();
+    EXPECT_EQ(L->CurrentSide, 2);
+
+    // A miss, or an empty view, with nothing selected: still nothing.
+    Select(-1, 3);
+    L->PickSide(639, 479, Cam, 640, 480);
+    L->PickSide(0, 0, Cam, 0, 0);
+    EXPECT_EQ(L->CurrentSegment, -1);
+    EXPECT_EQ(L->CurrentSide, 0);
+
+    // From outside only the far side faces the camera; of two joined cells
+    // the nearer face wins, whatever the segment order.
+    Look({0, 0, 500}, {0, 0, -1}, {0, 1, 0});
+    Click();
+    EXPECT_EQ(L->CurrentSide, 5);
+    Select(0, 0);
+    L->NewSegment();
+    Look({0, 250, 0}, {0, -1, 0}, {0, 0, -1});
+    Click();
+    EXPECT_TRUE(L->CurrentSegment == 1 && L->CurrentSide == 5);
+    Look({0, 0, 0}, {0, 1, 0}, {0, 0, 1});
+    Click();
+    EXPECT_TRUE(L->CurrentSegment == 0 && L->CurrentSide == 0);
+}
+
+TEST_F(LevelEditTest, ClicksInJoinAndFitModes)
+{
+    int b = AddCube({0, 400, 0});
+    Look({0, 400, 0}, {0, -1, 0}, {0, 0, -1}); // inside b, looking down
+    // No side before the click: the click only selects.
+    EXPECT_FALSE(L->JoinWithPicked(320, 240, Cam, 640, 480, 3));
+    EXPECT_TRUE(L->CurrentSegment == b && L->CurrentSide == 2);
+    L->CurrentSegment = 3000;
+    EXPECT_FALSE(L->FitTextureToPicked(320, 240, Cam, 640, 480));
+    EXPECT_EQ(L->CurrentSegment, b);
+
+    Select(0, 0);
+    EXPECT_TRUE(L->JoinWithPicked(320, 240, Cam, 640, 480, 0));
+    EXPECT_EQ(L->FindSegment({0, 200, 0}), b);
+
+    // Fitting carries from the selected side to the clicked one.
+    Select(0, 2);
+    Look({0, 0, 0}, {-1, 0, 0}, {0, 1, 0});
+    EXPECT_TRUE(L->FitTextureToPicked(320, 240, Cam, 640, 480));
+    EXPECT_EQ(L->CurrentSide, 3);
+    ExpectPairs(L->Segments[0]->Sides[3].TexCoords, {{-1, 1}, {-1, 0}, {0, 0}, {0, 1}});
+}
+
+TEST_F(LevelEditTest, DeleteMoveAndRestore)
+{
+    Select(0, 0, 2);
+    L->MovePoint(1, 0, 0); // side corner 2 of side 0 is point 4
+    EXPECT_EQ(*L->PointAt(4), VECTOR3D(-99, 100, -100));
+    L->NewSegment();
+    Select(0, 2);
+    L->NewSegment();
+    L->RestoreTexture();
+    ExpectPairs(L->Segments[0]->Sides[2].TexCoords, {{0, 0}, {2, 0}, {2, 2}, {0, 2}});
+
+    L->DeleteCurrentSegment(); // joined on sides 0 and 2
+    for (int s : {1, 2})
+        EXPECT_TRUE(L->Segments[s]->Neighbours[5] == -1 && L->Segments[s]->Sides[5].WallType == WALL_NORMAL);
+    EXPECT_EQ(Points(), 16); // all shared
+
+    // The selection names the empty slot: nothing happens.
+    L->NewSegment();
+    L->MovePoint(5, 5, 5);
+    L->RestoreTexture();
+    L->DeleteCurrentSegment();
+    EXPECT_EQ(P().Beeps, 0);
+    EXPECT_EQ(Segments(), 2);
+    EXPECT_EQ(*L->PointAt(4), VECTOR3D(-99, 100, -100));
+
+    L->DeleteSegment(1);
+    EXPECT_EQ(Points(), 8);
+    Select(2, 4);
+    L->NewSegment(); // into the lowest free slots
+    ASSERT_NE(L->Segments[0], nullptr);
+    EXPECT_EQ(L->Segments[0]->Corners[3], 0);
+    L->DeleteSegment(2);
+    L->DeleteSegment(0);
+    EXPECT_EQ(Points() + Segments(), 0);
+}
+
+TEST_F(LevelEditTest, MalformedLevelSurvivesEveryOperation)
+{
+    SEGMENT bad = *L->Segments[0];
+    const int32_t links[6] = {4999, 70000, -5, 0, -1, MAX_SEGMENTS};
+    std::copy(links, links + 6, bad.Neighbours);
+    bad.Corners[0] = -3; // every side has a corner that names no point
+    bad.Corners[7] = 45000;
+    bad.Corners[6] = L->Add(VECTOR3D(0, 0, -150));
+    L->Add(&bad);
+    L->DeletePoint(bad.Corners[6]);
+    L->Segments[0]->Neighbours[2] = 3000;
+
+    TEXPAIR t[4] = {};
+    ORVLEVEL::CalcTexCoordsFromEdge(t, L->GetSideCorners(0, 0), 4, 0, 7);
+    ORVLEVEL::TexCoordsFromCorners(t, L->GetSideCorners(0, 0), 2, 100);
+    for (int side = -1; side < 8; ++side)
+    {
+        for (int seg : {1, 0, -1, 3000, MAX_SEGMENTS})
+        {
+            Select(seg, side, 3);
+            L->PickSide(side * 90, side * 60, Cam, 640, 480);
+            Select(seg, side, side);
+            L->NewSegment();
+            L->MovePoint(1, 1, 1);
+            L->RestoreTexture();
+            L->FitTexture(seg, side, 0, 1);
+            L->FitTexture(0, 1, seg, side);
+            L->FitTextureToPicked(320, 240, Cam, 640, 480);
+            L->JoinSides(seg, side, 0, 4, side);
+            L->Unlink(seg, side);
+        }
+        EXPECT_FALSE(L->JoinSides(1, side, 0, 5, 0));
+    }
+    for (int32_t n : L->Segments[1]->Neighbours)
+        EXPECT_EQ(n, -1);
+    for (int s : {3000, -1, 70000})
+        L->DeleteSegment(s);
+    for (int s = 0; s < MAX_SEGMENTS; ++s)
+        L->DeleteSegment(s);
+    EXPECT_EQ(Points(), 0);
+}

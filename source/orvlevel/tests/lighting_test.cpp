@@ -1,0 +1,123 @@
+#include "orvlevel/level.h"
+
+#include "math/geometry.h"
+#include "math/random.h"
+#include "platform/tests/testplatform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+void ExpectColour(VECTOR3D c, VECTOR3D want, float eps = 1e-4f)
+{
+    EXPECT_NEAR(c.x, want.x, eps);
+    EXPECT_NEAR(c.y, want.y, eps);
+    EXPECT_NEAR(c.z, want.z, eps);
+}
+
+class LightingTest : public PlatformTest
+{
+protected:
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+    VECTOR3D& Corner(int side, int k) { return L->Segments[0]->Sides[side].Colours[k]; }
+    void AddLight(VECTOR3D p, VECTOR3D colour, float brightness) { L->Add(STATICLIGHT{p, colour, brightness}); }
+};
+
+TEST_F(LightingTest, CentreLightIsSymmetricAndClampsCornerLightSaturates)
+{
+    AddLight({0, 0, 0}, {1, 1, 1}, 10000);
+    L->CalculateLighting();
+    float lit = 10000.0f / 30000.0f / std::sqrt(3.0f); // about 0.192
+    for (int i = 0; i < 24; ++i)
+        ExpectColour(Corner(i / 4, i % 4), {lit, lit, lit});
+    L->Lights[0]->Brightness = 100000;
+    L->CalculateLighting();
+    for (int i = 0; i < 24; ++i)
+        ExpectColour(Corner(i / 4, i % 4), {1, 1, 1}, 0);
+
+    *L->Lights[0] = {DefaultCubeCorners[1], {0, 0.5f, 0}, 10};
+    L->CalculateLighting();
+    ExpectColour(Corner(0, 0), {0, 1, 0}, 0); // slot 1 is corner 0 of the top
+    ExpectColour(Corner(4, 1), {0, 1, 0}, 0); // and corner 1 of side 4
+}
+
+TEST_F(LightingTest, OnlyTexturedSidesFacingALightAreLit)
+{
+    L->Segments[0]->Sides[1].Texture = -1;
+    Corner(1, 2) = {0.3f, 0.4f, 0.5f};
+    L->CalculateLighting(); // no lights: every textured side goes black
+    ExpectColour(Corner(3, 2), {0, 0, 0}, 0);
+    AddLight({0, 500, 0}, {1, 1, 1}, 10000);
+    L->CalculateLighting();
+    for (int k = 0; k < 4; ++k)
+    {
+        ExpectColour(Corner(0, k), {0, 0, 0}, 0); // the top faces away from the light
+        EXPECT_GT(Corner(2, k).x, 0.0f);          // the bottom faces it
+    }
+    ExpectColour(Corner(1, 2), {0.3f, 0.4f, 0.5f}, 0);
+    L->FullBrightness();
+    ExpectColour(Corner(1, 2), {1, 1, 1}, 0);
+}
+
+// Every corner must come out exactly as adding the lights one by one in table
+// order, clamping after each, leaves it.
+TEST_F(LightingTest, SameBitsAsLightByLight)
+{
+    SRand(7);
+    auto jitter = [] { return float(Rand() % 4001 - 2000) / 100.0f; };
+    for (int n = 0; n < 100; ++n) // enough to be shared among threads
+    {
+        SEGMENT s = *L->Segments[0];
+        VECTOR3D offset(float(n % 5) * 230, float(n / 5 % 4) * 210, float(n / 20) * -190);
+        for (int i = 0; i < 8; ++i)
+            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset + VECTOR3D(jitter(), jitter(), jitter()));
+        s.Sides[n % 6].Texture = -1;
+        L->Add(&s);
+    }
+    for (int n = 0; n < 20; ++n)
+        AddLight({jitter() * 40, jitter() * 30, jitter() * 30}, {Rand() / 32767.0f, 1, 0.2f}, float(Rand() * 10));
+
+    L->CalculateLighting();
+    for (int s = 0; L->Segments[s]; ++s)
+        for (int i = 0; i < 6; ++i)
+        {
+            const SIDE& side = L->Segments[s]->Sides[i];
+            const VECTOR3D* c = L->GetSideCorners(s, i);
+            VECTOR3D n = TriangleNormal(c[0], c[1], c[2]);
+            for (int k = 0; k < 4 && side.Texture != -1; ++k)
+            {
+                VECTOR3D want;
+                for (int l = 0; L->Lights[l]; ++l)
+                {
+                    const STATICLIGHT& light = *L->Lights[l];
+                    VECTOR3D d = light.Position - c[k];
+                    float f = CosAngle(d, n);
+                    if (f < 0.0f)
+                        continue;
+                    want += light.Colour * light.Brightness / (d.x * d.x + d.y * d.y + d.z * d.z) * f;
+                    want = {std::min(want.x, 1.0f), std::min(want.y, 1.0f), std::min(want.z, 1.0f)};
+                }
+                EXPECT_EQ(want, side.Colours[k]) << s << " " << i << " " << k;
+            }
+        }
+}
+
+TEST_F(LightingTest, SegmentColourAndNewLight)
+{
+    SEGMENT& s = *L->Segments[0];
+    for (int i = 0; i < 24; ++i)
+        Corner(i / 4, i % 4) = VECTOR3D(i / 4 * 0.1f, 0, 1);
+    s.Sides[5].Texture = -1;
+    ExpectColour(L->SegmentColour(s), {0.2f, 0, 1}); // the mean of sides 0 ... 4
+    for (SIDE& side : s.Sides)
+        side.Texture = -1;
+    ExpectColour(L->SegmentColour(s), {1, 1, 1}, 0);
+
+    EXPECT_EQ(L->NewLight({1, 2, 3}, 255, 0, 51, 10000), 0);
+    ExpectColour(L->Lights[0]->Colour, {1, 0, 0.2f}, 1e-6f);
+    EXPECT_EQ(L->Lights[0]->Position, VECTOR3D(1, 2, 3));
+}
+
+} // namespace
