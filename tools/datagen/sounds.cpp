@@ -154,13 +154,15 @@ void Put32(std::vector<uint8_t>& b, uint32_t v)
 
 void PutId(std::vector<uint8_t>& b, const char* id)
 {
-    b.insert(b.end(), id, id + 4);
+    for (int i = 0; i < 4; ++i)
+        b.push_back(uint8_t(id[i]));
 }
 
 std::vector<uint8_t> Encode(const std::vector<double>& samples)
 {
     uint32_t dataSize = uint32_t(samples.size() * 2);
     std::vector<uint8_t> b;
+    b.reserve(44 + dataSize);
     PutId(b, "RIFF");
     Put32(b, 4 + 8 + 16 + 8 + dataSize);
     PutId(b, "WAVE");
