@@ -1,4 +1,5 @@
 #include "orvlevel/level.h"
+#include "orvlevel/newordie.h"
 
 #include "graphics/texture.h"
 #include "math/geometry.h"
@@ -36,19 +37,6 @@ constexpr int THING_SWEEPS = 16;
 
 constexpr float RAND_SCALE = 1.0f / 32767;
 
-// Running out of memory ends the program with a text naming the operation.
-template <class T, class... ARGS>
-T* NewOrDie(const char* text, ARGS&&... args)
-{
-    try
-    {
-        return new T(static_cast<ARGS&&>(args)...);
-    }
-    catch (const std::bad_alloc&)
-    {
-        FatalMessage(text);
-    }
-}
 
 template <class T>
 void DestroyAll(T**& table, int count)

@@ -1,6 +1,7 @@
 // Level files: "ORVLEVEL\0", the 30-byte name, then one section per table,
 // each a run of records keyed by their table index and closed by -1.
 #include "orvlevel/level.h"
+#include "orvlevel/newordie.h"
 
 #include "graphics/texture.h"
 #include "orvlevel/binio.h"
@@ -92,18 +93,6 @@ std::string Printf(const char* pattern, ARGS... args)
     return buffer;
 }
 
-template <class T, class... ARGS>
-T* NewOrDie(const char* text, ARGS&&... args)
-{
-    try
-    {
-        return new T(static_cast<ARGS&&>(args)...);
-    }
-    catch (const std::bad_alloc&)
-    {
-        FatalMessage(text);
-    }
-}
 
 // ---------------------------------------------------------------------------
 // Whole-file reading and writing
