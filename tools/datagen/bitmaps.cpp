@@ -130,19 +130,6 @@ void PutHeaders(std::vector<uint8_t>& out, int width, int height, int bpp, uint3
     Put32(out, 0);
 }
 
-bool WriteFile(const std::string& path, const std::vector<uint8_t>& bytes)
-{
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) {
-        std::fprintf(stderr, "orvane-datagen: cannot create %s\n", path.c_str());
-        return false;
-    }
-    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    ok = std::fclose(f) == 0 && ok;
-    if (!ok)
-        std::fprintf(stderr, "orvane-datagen: cannot write %s\n", path.c_str());
-    return ok;
-}
 
 bool WriteBmp24(const std::string& path, const IMAGE& img)
 {

@@ -183,16 +183,6 @@ std::vector<uint8_t> Encode(const std::vector<double>& samples)
     return b;
 }
 
-bool WriteFile(const std::string& path, const std::vector<uint8_t>& bytes)
-{
-    FILE* f = std::fopen(path.c_str(), "wb");
-    bool ok = f && std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    if (f && std::fclose(f) != 0)
-        ok = false;
-    if (!ok)
-        std::fprintf(stderr, "orvane-datagen: cannot write %s\n", path.c_str());
-    return ok;
-}
 
 } // namespace
 
