@@ -1,0 +1,172 @@
+#include "editor/controller.h"
+
+#include "math/geometry.h"
+#include "orvlevel/level.h"
+#include "platform/tests/testplatform.h"
+
+#include <climits>
+#include <memory>
+
+namespace {
+
+class ControllerTest : public PlatformTest
+{
+protected:
+    ControllerTest()
+    {
+        TheLevel = L.get();
+        Editor.JoinDialog = [this] { ++Dialogs; return Shift; };
+    }
+    ~ControllerTest() override { TheLevel = nullptr; }
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+    CAMERA Cam;
+    ORVEDITOR Editor{Cam};
+    int Dialogs = 0;
+    int32_t Shift = 0;
+    void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
+    // An unjoined copy of the default cube moved by `offset`.
+    int AddCube(VECTOR3D offset)
+    {
+        SEGMENT s = *L->Segments[0];
+        for (int i = 0; i < 8; ++i)
+            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
+        return L->Add(&s);
+    }
+};
+
+} // namespace
+
+TEST_F(ControllerTest, JoinModeSwitching)
+{
+    L->CurrentSegment = -1;
+    EXPECT_TRUE(Editor.Command(CM_JOINMODE));
+    EXPECT_FALSE(Editor.JoinMode);
+    EXPECT_EQ(P().Beeps, 1);
+    EXPECT_EQ(Dialogs, 0);
+
+    L->CurrentSegment = 0;
+    Shift = 2;
+    Editor.Command(CM_JOINMODE);
+    EXPECT_TRUE(Editor.JoinMode);
+    EXPECT_EQ(Editor.JoinShift, 2);
+    EXPECT_EQ(Dialogs, 1);
+    Editor.Command(CM_JOINMODE); // off again, no dialog, shift kept
+    EXPECT_FALSE(Editor.JoinMode);
+    EXPECT_EQ(Dialogs, 1);
+    EXPECT_EQ(Editor.JoinShift, 2);
+
+    // Without a dialog the default entry "3" stands: shift 0.
+    Editor.JoinDialog = nullptr;
+    Editor.Command(CM_JOINMODE);
+    EXPECT_EQ(Editor.JoinShift, 0);
+
+    EXPECT_EQ(ORVEDITOR::ShiftFromEntry("1"), 2);
+    EXPECT_EQ(ORVEDITOR::ShiftFromEntry(" 7x"), -4);
+    EXPECT_EQ(ORVEDITOR::ShiftFromEntry("abc"), 3);
+    EXPECT_EQ(ORVEDITOR::ShiftFromEntry("-2147483648"), int32_t(2147483651u));
+
+    // Fit mode: the same rule, no dialog.
+    L->CurrentSegment = 7;
+    Editor.Command(CM_FITMODE);
+    EXPECT_FALSE(Editor.FitMode);
+    EXPECT_EQ(P().Beeps, 2);
+    L->CurrentSegment = 0;
+    Editor.Command(CM_FITMODE);
+    EXPECT_TRUE(Editor.FitMode);
+    Editor.Command(CM_FITMODE);
+    EXPECT_FALSE(Editor.FitMode);
+}
+
+TEST_F(ControllerTest, ClicksFollowTheModes)
+{
+    int b = AddCube({0, 400, 0});
+    Look({0, 400, 0}, {0, -1, 0}, {0, 0, -1}); // inside b, looking at its side 2
+
+    // A failed join (the selected side clicked again) beeps, keeps the mode
+    // and still picks.
+    L->CurrentSegment = b, L->CurrentSide = 2;
+    Editor.Command(CM_JOINMODE);
+    ASSERT_TRUE(Editor.JoinMode);
+    Editor.LeftClick(320, 240);
+    EXPECT_EQ(P().Beeps, 1);
+    EXPECT_TRUE(Editor.JoinMode);
+    EXPECT_TRUE(L->CurrentSegment == b && L->CurrentSide == 2);
+
+    // Both modes: the join comes first, succeeds and ends join mode; it has
+    // moved the selection to the clicked side, so the fit that follows has
+    // the same side twice, fails and beeps, and fit mode stays on.
+    Editor.Command(CM_FITMODE);
+    L->CurrentSegment = 0, L->CurrentSide = 0;
+    Editor.LeftClick(320, 240);
+    EXPECT_EQ(L->FindSegment({0, 200, 0}), b);
+    EXPECT_EQ(P().Beeps, 2);
+    EXPECT_TRUE(!Editor.JoinMode && Editor.FitMode);
+    EXPECT_TRUE(L->CurrentSegment == b && L->CurrentSide == 2);
+
+    // Fit mode alone carries the texture from the selected side.
+    L->CurrentSegment = 0, L->CurrentSide = 2;
+    Look({0, 0, 0}, {-1, 0, 0}, {0, 1, 0});
+    Editor.LeftClick(320, 240);
+    EXPECT_EQ(P().Beeps, 2);
+    EXPECT_TRUE(L->CurrentSegment == 0 && L->CurrentSide == 3);
+    const TEXPAIR* t = L->Segments[0]->Sides[3].TexCoords;
+    EXPECT_NEAR(t[0].s, -1, 1e-4f);
+    EXPECT_NEAR(t[0].t, 1, 1e-4f);
+
+    // A click into nothing leaves side 0 of the segment selected: fitting
+    // side 0 to itself fails. Without modes a click only picks.
+    L->CurrentSide = 0;
+    Look({0, 0, 5000}, {0, 0, 1}, {0, 1, 0});
+    Editor.LeftClick(320, 240);
+    EXPECT_EQ(P().Beeps, 3);
+    EXPECT_TRUE(Editor.FitMode);
+    Editor.Command(CM_FITMODE);
+    Look({0, 0, 0}, {-1, 0, 0}, {0, 1, 0});
+    Editor.LeftClick(320, 240);
+    EXPECT_EQ(P().Beeps, 3);
+    EXPECT_TRUE(L->CurrentSegment == 0 && L->CurrentSide == 3);
+}
+
+TEST_F(ControllerTest, CommandTable)
+{
+    L->CurrentSegment = 0, L->CurrentSide = 0, L->CurrentPoint = 0;
+    VECTOR3D p = *L->GetCurrentPointPtr();
+    Editor.Command(CM_POINTYMINUS);
+    EXPECT_EQ(*L->GetCurrentPointPtr(), p + VECTOR3D(0, -1, 0));
+    Editor.Command(CM_POINTZPLUS);
+    Editor.Command(CM_POINTXMINUS);
+    EXPECT_EQ(*L->GetCurrentPointPtr(), p + VECTOR3D(-1, -1, 1));
+    Editor.Command(CM_NEXTPOINT);
+    EXPECT_EQ(L->CurrentPoint, 1);
+
+    Editor.Command(CM_NEWSEGMENT);
+    ASSERT_NE(L->Segments[1], nullptr);
+    L->CurrentSegment = 1;
+    Editor.Command(CM_DELETESEGMENT);
+    EXPECT_EQ(L->Segments[1], nullptr);
+
+    Cam.Position = {5, 6, 7};
+    Editor.Command(CM_STARTPOINT);
+    ASSERT_NE(L->SpecPoints[0], nullptr);
+    EXPECT_EQ(L->SpecPoints[0]->Position, VECTOR3D(5, 6, 7));
+    EXPECT_EQ(L->SpecPoints[0]->Type, 0);
+    Editor.Command(CM_DELETENEARESTSPECPOINT);
+    EXPECT_EQ(L->SpecPoints[0], nullptr);
+
+    L->Segments[0]->Sides[0].Texture = 0;
+    L->NewLight({0, 0, 0}, 255, 0, 0, 100);
+    Editor.Command(CM_CALCULATELIGHTING);
+    EXPECT_LT(L->Segments[0]->Sides[0].Colours[0].y, 1.0f);
+    Editor.Command(CM_FULLBRIGHTNESS);
+    EXPECT_EQ(L->Segments[0]->Sides[0].Colours[0].y, 1.0f);
+    Editor.Command(CM_DELETENEARESTLIGHT);
+    EXPECT_EQ(L->Lights[0], nullptr);
+
+    // Dialog, file and disabled commands are not the controller's.
+    for (int id : {int(CM_NEWLEVEL), int(CM_OPEN), int(CM_EXIT), int(CM_TEXTURES), int(CM_NEWLIGHT), int(CM_ABOUT), 0, INT_MAX})
+    {
+        EXPECT_FALSE(ORVEDITOR::HasCommand(id)) << id;
+        EXPECT_FALSE(Editor.Command(id)) << id;
+    }
+    EXPECT_EQ(P().Beeps, 0);
+}
