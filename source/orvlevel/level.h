@@ -266,6 +266,19 @@ public:
     // reaching `to`, or -1.
     int32_t FindCrossedSide(VECTOR3D from, VECTOR3D to, int32_t k) const;
 
+    // Game objects in play. The first object in slot order that exists, is
+    // not a ghost, is not among `excluded` and collides with `t` coming from
+    // `oldPosition`; null if none.
+    THING* FindTouchingThing(const THING* t, VECTOR3D oldPosition, THING* const* excluded = nullptr,
+                             int count = 0) const;
+    // Object against object, objects against walls, then CommitThings.
+    void PhysicsStep();
+    // Every live object's frame becomes its previous frame.
+    void CommitThings();
+    // The listener at the camera, every object's Update (dead ones are
+    // destroyed), then sparks in recharger segments every fourth tick.
+    void GameTick(const CAMERA& camera);
+
     // Doors (game time).
     void OpenDoor(int32_t segment, int32_t side);
     void UpdateDoors();
@@ -360,3 +373,8 @@ private:
 
 // The level every command, dialog and game object works on.
 extern ORVLEVEL* TheLevel;
+
+// Hands a new object to the current level, which owns it from then on; when
+// there is no level or its table is full the object is destroyed at once
+// (its destructor's own new objects are handed on the same way).
+void HandToLevel(THING* t);

@@ -32,39 +32,88 @@ bool THING::CollideBodyPoint(float, float, float, SEGMENT*)
     return false;
 }
 
+void THING::Members(THINGMEMBERS& m)
+{
+    m.Vec("position", position);
+    m.Vec("oldPosition", oldPosition);
+    m.Vec("axisY", axisY);
+    m.Vec("axisZ", axisZ);
+    m.Vec("axisX", axisX);
+    m.Vec("oldAxisY", oldAxisY);
+    m.Vec("oldAxisZ", oldAxisZ);
+    m.Vec("oldAxisX", oldAxisX);
+    m.I32("segment", segment);
+    m.I32("lastSegment", lastSegment);
+    m.F32("outerRadius", outerRadius);
+    m.F32("innerRadius", innerRadius);
+    m.Flag("hit", hit);
+    m.Flag("ghost", ghost);
+    m.Flag("dead", dead);
+    m.F32("boxZLow", boxZLow);
+    m.F32("boxZHigh", boxZHigh);
+    m.F32("boxYLow", boxYLow);
+    m.F32("boxYHigh", boxYHigh);
+    m.F32("boxXLow", boxXLow);
+    m.F32("boxXHigh", boxXHigh);
+    m.F32("pushDistance", pushDistance);
+}
+
+namespace {
+
+class MEMBERWRITER : public THINGMEMBERS
+{
+public:
+    explicit MEMBERWRITER(BINWRITER& out) : Out(out) {}
+    void Vec(const char*, VECTOR3D& v) override { Out.Vec(v); }
+    void I32(const char*, int32_t& v) override { Out.I32(v); }
+    void F32(const char*, float& v) override { Out.F32(v); }
+    void Flag(const char*, bool& v) override { Out.Bool(v); }
+    void Pointer(const char*, uint32_t stored) override { Out.U32(stored); }
+    void Texts(const char*, char* fields, int count, int size) override { Out.Raw(fields, size_t(count) * size_t(size)); }
+
+private:
+    BINWRITER& Out;
+};
+
+class MEMBERREADER : public THINGMEMBERS
+{
+public:
+    explicit MEMBERREADER(BINREADER& in) : In(in) {}
+    bool Ok = true;
+    void Vec(const char*, VECTOR3D& v) override { Ok = Ok && In.Vec(v); }
+    void I32(const char*, int32_t& v) override { Ok = Ok && In.I32(v); }
+    void F32(const char*, float& v) override { Ok = Ok && In.F32(v); }
+    void Flag(const char*, bool& v) override { Ok = Ok && In.Bool(v); }
+    void Pointer(const char*, uint32_t) override
+    {
+        uint32_t ignored;
+        Ok = Ok && In.U32(ignored);
+    }
+    void Texts(const char*, char* fields, int count, int size) override
+    {
+        // Kept byte for byte: a field may lack its NUL, so every user of
+        // such texts stops at the field's end.
+        Ok = Ok && In.Raw(fields, size_t(count) * size_t(size));
+    }
+
+private:
+    BINREADER& In;
+};
+
+} // namespace
+
 void THING::WriteMembers(BINWRITER& out) const
 {
-    out.Vec(position);
-    out.Vec(oldPosition);
-    out.Vec(axisY);
-    out.Vec(axisZ);
-    out.Vec(axisX);
-    out.Vec(oldAxisY);
-    out.Vec(oldAxisZ);
-    out.Vec(oldAxisX);
-    out.I32(segment);
-    out.I32(lastSegment);
-    out.F32(outerRadius);
-    out.F32(innerRadius);
-    out.Bool(hit);
-    out.Bool(ghost);
-    out.Bool(dead);
-    out.F32(boxZLow);
-    out.F32(boxZHigh);
-    out.F32(boxYLow);
-    out.F32(boxYHigh);
-    out.F32(boxXLow);
-    out.F32(boxXHigh);
-    out.F32(pushDistance);
+    MEMBERWRITER w(out);
+    // Visiting never changes a member; the writer only reads them.
+    const_cast<THING*>(this)->Members(w);
 }
 
 bool THING::ReadMembers(BINREADER& in)
 {
-    return in.Vec(position) && in.Vec(oldPosition) && in.Vec(axisY) && in.Vec(axisZ) && in.Vec(axisX) &&
-           in.Vec(oldAxisY) && in.Vec(oldAxisZ) && in.Vec(oldAxisX) && in.I32(segment) && in.I32(lastSegment) &&
-           in.F32(outerRadius) && in.F32(innerRadius) && in.Bool(hit) && in.Bool(ghost) && in.Bool(dead) &&
-           in.F32(boxZLow) && in.F32(boxZHigh) && in.F32(boxYLow) && in.F32(boxYHigh) && in.F32(boxXLow) &&
-           in.F32(boxXHigh) && in.F32(pushDistance);
+    MEMBERREADER r(in);
+    Members(r);
+    return r.Ok;
 }
 
 void THING::WriteClassRecord(BINWRITER& out, int32_t index) const
@@ -170,3 +219,4 @@ bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB)
         return true;
     return BoxesOverlap(boxA, boxB);
 }
+void THING::CollideWithWalls() {}

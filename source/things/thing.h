@@ -9,6 +9,29 @@ class BINWRITER;
 class BINREADER;
 struct SEGMENT;
 
+// Walks the stored members of an object in record order, each under its own
+// name; the record writer, the record reader and the JSON dump are visitors.
+class THINGMEMBERS
+{
+public:
+    virtual ~THINGMEMBERS() = default;
+    virtual void Vec(const char* name, VECTOR3D& v) = 0;
+    virtual void I32(const char* name, int32_t& v) = 0;
+    virtual void F32(const char* name, float& v) = 0;
+    virtual void Flag(const char* name, bool& v) = 0;
+    // A pointer member: four bytes in the record. It is written as `stored`
+    // and skipped on reading, since an address from another run means nothing.
+    virtual void Pointer(const char* name, uint32_t stored) = 0;
+    // `count` code page 1250 texts in fixed fields of `size` bytes each.
+    virtual void Texts(const char* name, char* fields, int count, int size) = 0;
+};
+
+// The number a pointer member is saved as: 0 for none, 1 for an object.
+inline uint32_t StoredPointer(const void* p)
+{
+    return p ? 1u : 0u;
+}
+
 constexpr int32_t THING_SIZE = 147;         // packed size of the base record
 constexpr int THING_CLASS_NAME_SIZE = 40;   // class-name field of a file record
 
@@ -67,8 +90,15 @@ public:
     // and the members from offset 4 to the end.
     virtual const char* ClassName() const { return "THING"; }
     virtual int32_t RecordSize() const { return THING_SIZE; }
-    virtual void WriteMembers(BINWRITER& out) const;
-    virtual bool ReadMembers(BINREADER& in);
+    // THING's members, then each class's own, in record order.
+    virtual void Members(THINGMEMBERS& m);
+    void WriteMembers(BINWRITER& out) const;
+    // False when the reader ran out of bytes.
+    bool ReadMembers(BINREADER& in);
+
+    // One tick's wall collision: the outer-radius pass, the eight box corners
+    // when it hit, then the inner-radius pass (game only).
+    void CollideWithWalls();
 
     // The record every class that saves itself writes.
     void WriteClassRecord(BINWRITER& out, int32_t index) const;
