@@ -9,6 +9,7 @@ const CLICOMMAND Commands[] = {
     {"new", "OUT", "save the default level", 1, 1, CmdNew},
     {"resave", "IN OUT", "load a level and save it again", 2, 2, CmdResave},
     {"dump", "IN", "print the whole level as JSON", 1, 1, CmdDump},
+    {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
     {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},
     {"wave", "FILE", "print a wave file's format, frequency and size as JSON", 1, 1, CmdWave},
 };

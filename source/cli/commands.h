@@ -27,6 +27,9 @@ int CmdNew(std::span<char* const> args);
 int CmdResave(std::span<char* const> args);
 int CmdDump(std::span<char* const> args);
 
+// cmd_run.cpp
+int CmdRun(std::span<char* const> args);
+
 // cmd_media.cpp
 int CmdMesh(std::span<char* const> args);
 int CmdWave(std::span<char* const> args);

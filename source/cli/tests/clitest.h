@@ -1,0 +1,74 @@
+// Runs the built orvane-cli as its own process, from the program directory,
+// with its files in a fresh temporary directory.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+struct RUN
+{
+    int Status;
+    std::string Out;
+    std::string Err;
+};
+
+inline std::string ReadText(const fs::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void WriteText(const fs::path& p, const std::string& bytes)
+{
+    std::ofstream(p, std::ios::binary) << bytes;
+}
+
+class CliTest : public ::testing::Test
+{
+protected:
+    fs::path Dir;
+
+    void SetUp() override
+    {
+        std::string t = (fs::temp_directory_path() / "orvcli-XXXXXX").string();
+        ASSERT_NE(mkdtemp(t.data()), nullptr);
+        Dir = t;
+        fs::create_directory(Dir / "io");
+    }
+    void TearDown() override { fs::remove_all(Dir); }
+
+    fs::path In(const char* name) const { return Dir / name; }
+
+    RUN Cli(const std::vector<std::string>& args) const
+    {
+        const fs::path out = Dir / "io" / "stdout", err = Dir / "io" / "stderr";
+        std::vector<char*> argv{const_cast<char*>(ORV_CLI_PATH)};
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        pid_t pid = fork();
+        if (pid == 0)
+        {
+            int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            int e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            if (o < 0 || e < 0 || dup2(o, 1) < 0 || dup2(e, 2) < 0 || chdir(ORV_CLI_WORKDIR) != 0)
+                _exit(126);
+            execv(ORV_CLI_PATH, argv.data());
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(pid, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadText(out), ReadText(err)};
+    }
+};
