@@ -10,6 +10,7 @@ const CLICOMMAND Commands[] = {
     {"resave", "IN OUT", "load a level and save it again", 2, 2, CmdResave},
     {"dump", "IN", "print the whole level as JSON", 1, 1, CmdDump},
     {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
+    {"simulate", "LEVEL TICKS OUT [SEED]", "run the game objects for TICKS ticks and save the result", 3, 4, CmdSimulate},
     {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},
     {"wave", "FILE", "print a wave file's format, frequency and size as JSON", 1, 1, CmdWave},
 };

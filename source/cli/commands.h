@@ -30,6 +30,9 @@ int CmdDump(std::span<char* const> args);
 // cmd_run.cpp
 int CmdRun(std::span<char* const> args);
 
+// cmd_simulate.cpp
+int CmdSimulate(std::span<char* const> args);
+
 // cmd_media.cpp
 int CmdMesh(std::span<char* const> args);
 int CmdWave(std::span<char* const> args);

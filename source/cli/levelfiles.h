@@ -3,15 +3,22 @@
 #pragma once
 
 #include "orvlevel/level.h"
+#include "things/thingmeshes.h"
 
 #include <memory>
 
 // Things reach the level through TheLevel, so the level a command works on
-// is installed there for its lifetime.
+// is installed there for its lifetime. Objects take their boxes from the
+// shared meshes, which are loaded first.
 class CURRENTLEVEL
 {
 public:
-    CURRENTLEVEL() : Level(std::make_unique<ORVLEVEL>()) { TheLevel = Level.get(); }
+    CURRENTLEVEL()
+    {
+        LoadThingMeshes();
+        Level = std::make_unique<ORVLEVEL>();
+        TheLevel = Level.get();
+    }
     ~CURRENTLEVEL()
     {
         Level.reset();

@@ -4,6 +4,7 @@
 #include "cli/levelfiles.h"
 #include "editor/camera.h"
 #include "editor/controller.h"
+#include "math/random.h"
 #include "orvlevel/leveldump.h"
 
 #include <algorithm>
@@ -74,6 +75,18 @@ int32_t Int(std::string_view token)
         BadLine("out of range: " + Quoted(token));
     if (ec != std::errc() || end != t.data() + t.size())
         BadLine("not an integer: " + Quoted(token));
+    return v;
+}
+
+uint32_t Seed(std::string_view token)
+{
+    std::string_view t = WithoutPlus(token);
+    uint32_t v = 0;
+    auto [end, ec] = std::from_chars(t.data(), t.data() + t.size(), v);
+    if (ec == std::errc::result_out_of_range)
+        BadLine("out of range: " + Quoted(token));
+    if (ec != std::errc() || end != t.data() + t.size())
+        BadLine("not a seed: " + Quoted(token));
     return v;
 }
 
@@ -198,6 +211,12 @@ void DoClick(SESSION& s, ARGS a)
     s.Editor.LeftClick(x, y);
 }
 
+// Seeds the program's random generator, so a run of the game objects repeats.
+void DoSrand(SESSION&, ARGS a)
+{
+    SRand(Seed(a[0]));
+}
+
 // The new-light dialog's OK: the light goes where the camera is.
 void DoLight(SESSION& s, ARGS a)
 {
@@ -229,6 +248,7 @@ const SCRIPTCOMMAND Commands[] = {
     {"fitmode", 0, DoFitMode},
     {"click", 2, DoClick}, // X Y
     {"light", 4, DoLight}, // RED GREEN BLUE BRIGHTNESS
+    {"srand", 1, DoSrand}, // SEED
 };
 
 constexpr std::string_view SPACE = " \t\r\v\f";
