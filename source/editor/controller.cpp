@@ -2,6 +2,8 @@
 
 #include "orvlevel/level.h"
 #include "platform/platform.h"
+#include "things/pickup.h"
+#include "things/spaceship.h"
 
 #include <cstdlib>
 
@@ -32,6 +34,13 @@ bool ORVEDITOR::HasCommand(int id)
     case CM_STARTPOINT:
     case CM_DELETENEARESTSPECPOINT:
     case CM_FITMODE:
+    case CM_ENEMYSHIP:
+    case CM_DELETENEARESTTHING:
+    case CM_SHIELDBONUS:
+    case CM_ENERGYBONUS:
+    case CM_TEMPESTPICKUP:
+    case CM_LASERBOOST:
+    case CM_SHIPLEVEL:
         return true;
     default:
         return false;
@@ -69,9 +78,38 @@ bool ORVEDITOR::Command(int id)
     }
     case CM_DELETENEARESTSPECPOINT: level.DeleteNearestSpecPoint(Camera.Position); break;
     case CM_FITMODE: FitModeCommand(); break;
+    case CM_ENEMYSHIP: PlaceEnemyShip(); break;
+    case CM_DELETENEARESTTHING: level.DeleteNearestThing(Camera.Position); break;
+    case CM_SHIELDBONUS: PlaceItem<P_SHIELD>(); break;
+    case CM_ENERGYBONUS: PlaceItem<P_ENERGY>(); break;
+    case CM_TEMPESTPICKUP: PlaceItem<P_TEMPEST>(); break;
+    case CM_LASERBOOST: PlaceItem<P_LASERBOOST>(); break;
+    case CM_SHIPLEVEL: PlaceItem<P_SHIPLEVEL>(); break;
     default: return false;
     }
     return true;
+}
+
+void ORVEDITOR::PlaceEnemyShip()
+{
+    auto* ship = new SPACESHIP();
+    // The ship takes the camera's whole frame and stays where it was put.
+    ship->position = Camera.Position;
+    ship->axisY = Camera.Up;
+    ship->axisZ = Camera.Right;
+    ship->axisX = Camera.ViewDir;
+    ship->playerControlled = 0;
+    ship->team = 3;
+    ship->target = -1;
+    ship->goal = ship->position;
+    HandToLevel(ship);
+}
+
+template <class ITEM>
+void ORVEDITOR::PlaceItem()
+{
+    // Items sit at the camera but world-aligned, whatever the view's roll.
+    HandToLevel(new ITEM(Camera.Position, VECTOR3D(1, 0, 0), VECTOR3D(0, 1, 0), VECTOR3D(0, 0, 1)));
 }
 
 void ORVEDITOR::JoinModeCommand()

@@ -91,6 +91,11 @@ public:
 private:
     void JoinModeCommand();
     void FitModeCommand();
+    // Object placement at the camera; the level owns the object, or it is
+    // destroyed at once when the level's table is full.
+    void PlaceEnemyShip();
+    template <class ITEM>
+    void PlaceItem();
 
     CAMERA& Camera;
 };

@@ -1,12 +1,135 @@
 #include "orvlevel/level.h"
 
+#include "editor/camera.h"
+#include "sound/source.h"
+#include "things/effects.h"
 #include "things/thing.h"
 
-// Placeholder bodies: the game loop comes next.
-THING* ORVLEVEL::FindTouchingThing(const THING*, VECTOR3D, THING* const*, int) const { return nullptr; }
-void ORVLEVEL::PhysicsStep() {}
-void ORVLEVEL::CommitThings() {}
-void ORVLEVEL::GameTick(const CAMERA&) {}
+#include <algorithm>
+
+namespace {
+
+constexpr int SPARK_PERIOD = 4; // ticks between two rounds of recharger sparks
+
+} // namespace
+
+THING* ORVLEVEL::FindTouchingThing(const THING* t, VECTOR3D oldPosition, THING* const* excluded, int count) const
+{
+    if (!t || !Things)
+        return nullptr;
+    for (int i = 0; i < MAX_THINGS; ++i)
+    {
+        THING* other = Things[i];
+        if (!other || other->ghost)
+            continue;
+        if (excluded && count > 0 && std::find(excluded, excluded + count, other) != excluded + count)
+            continue;
+        // Only the searching object's previous place is the caller's (a shot
+        // passes the point of its last update); the other object's path runs
+        // from its own oldPosition, the place it had when the last physics
+        // step committed it, as in PhysicsStep.
+        if (ThingsCollide(t, oldPosition, other, other->oldPosition))
+            return other;
+    }
+    return nullptr;
+}
+
+void ORVLEVEL::PhysicsStep()
+{
+    if (!Things)
+        return;
+    for (int i = 0; i < MAX_THINGS; ++i)
+    {
+        THING* a = Things[i];
+        if (!a || a->dead)
+            continue;
+        // j starts at i: ThingsCollide rejects an object against itself. B may
+        // be dead; only A is required to be alive.
+        for (int j = i; j < MAX_THINGS; ++j)
+        {
+            THING* b = Things[j];
+            if (!b || a->ghost || b->ghost)
+                continue;
+            if (!ThingsCollide(a, a->oldPosition, b, b->oldPosition))
+                continue;
+            a->hit = true;
+            b->hit = true;
+            if (a->position != b->position)
+            {
+                VECTOR3D d = a->position - b->position;
+                d /= Length(d);
+                // Both move by A's distance, whatever B's own is.
+                a->position += d * a->pushDistance;
+                b->position -= d * a->pushDistance;
+            }
+        }
+    }
+    for (int i = 0; i < MAX_THINGS; ++i)
+    {
+        THING* t = Things[i];
+        if (!t || t->dead)
+            continue;
+        t->CollideWithWalls();
+        t->segment = FindSegment(t->oldPosition);
+    }
+    CommitThings();
+}
+
+void ORVLEVEL::CommitThings()
+{
+    if (!Things)
+        return;
+    for (int i = 0; i < MAX_THINGS; ++i)
+    {
+        THING* t = Things[i];
+        if (!t || t->dead)
+            continue;
+        t->oldPosition = t->position;
+        t->oldAxisY = t->axisY;
+        t->oldAxisX = t->axisX;
+        t->oldAxisZ = t->axisZ;
+    }
+}
+
+void ORVLEVEL::GameTick(const CAMERA& camera)
+{
+    SetListener(camera.Position, camera.ViewDir, camera.Up);
+    if (!Things)
+        return;
+    // Objects an Update or a destructor adds land in free slots, earlier or
+    // later ones alike; those after the current slot are updated this tick.
+    for (int i = 0; i < MAX_THINGS; ++i)
+    {
+        THING* t = Things[i];
+        if (!t)
+            continue;
+        t->Update();
+        if (!t->dead)
+            continue;
+        // The slot stays taken while the destructor runs, so whatever it adds
+        // goes elsewhere.
+        delete t;
+        Things[i] = nullptr;
+        SlotFreed(TABLE_THINGS, i);
+    }
+
+    SparkCountdown -= 1;
+    if (SparkCountdown > 0)
+        return;
+    SparkCountdown = SPARK_PERIOD;
+    for (int s = 0; Segments && s < MAX_SEGMENTS; ++s)
+    {
+        const SEGMENT* seg = Segments[s];
+        if (!seg || seg->Type != SEGTYPE_RELOAD)
+            continue;
+        SPARK* spark = new SPARK(VECTOR3D(0, 0, 0), 20.0f, 0.1f);
+        spark->position = RandomPointInSegment(*seg);
+        spark->size = 20.0f;
+        spark->decay = 2.0f;
+        if (AddThing(spark) < 0)
+            delete spark;
+    }
+}
 
 void HandToLevel(THING* t)
 {

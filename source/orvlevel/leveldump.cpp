@@ -204,6 +204,30 @@ void DumpSegment(JSONWRITER& j, int index, const SEGMENT& s)
     j.EndObject();
 }
 
+// Every stored member of an object under its own name. Flags are 0 or 1 and
+// pointers the number the record stores, so the dump shows what a saved
+// record would hold.
+class MEMBERDUMP : public THINGMEMBERS
+{
+public:
+    explicit MEMBERDUMP(JSONWRITER& j) : J(j) {}
+    void Vec(const char* name, VECTOR3D& v) override { J.Key(name).Vec(v); }
+    void I32(const char* name, int32_t& v) override { J.Key(name).Int(v); }
+    void F32(const char* name, float& v) override { J.Key(name).Float(v); }
+    void Flag(const char* name, bool& v) override { J.Key(name).Int(v ? 1 : 0); }
+    void Pointer(const char* name, uint32_t stored) override { J.Key(name).Int(stored); }
+    void Texts(const char* name, char* fields, int count, int size) override
+    {
+        J.Key(name).BeginArray();
+        for (int i = 0; i < count; ++i)
+            J.Text1250(fields + size_t(i) * size_t(size), size_t(size));
+        J.EndArray();
+    }
+
+private:
+    JSONWRITER& J;
+};
+
 } // namespace
 
 std::string DumpLevelJson(const ORVLEVEL& level)
@@ -260,6 +284,9 @@ std::string DumpLevelJson(const ORVLEVEL& level)
             j.BeginObject();
             j.Key("index").Int(i);
             j.Key("class").Text1250(t->ClassName(), THING_CLASS_NAME_SIZE);
+            MEMBERDUMP members(j);
+            // Visiting never changes a member; the dump only reads them.
+            const_cast<THING*>(t)->Members(members);
             j.EndObject();
         }
     j.EndArray();

@@ -3,6 +3,7 @@
 #include "math/geometry.h"
 #include "math/random.h"
 #include "orvlevel/binio.h"
+#include "orvlevel/level.h"
 
 #include <cmath>
 
@@ -27,9 +28,20 @@ void THING::AfterLoad() {}
 
 void THING::WriteRecord(BINWRITER&, int32_t) {}
 
-bool THING::CollideBodyPoint(float, float, float, SEGMENT*)
+bool THING::CollideBodyPoint(float z, float y, float x, SEGMENT* seg)
 {
-    return false;
+    if (!TheLevel)
+        return false;
+    // The point's path from where it sat at the end of the last tick to where
+    // the new frame puts it.
+    VECTOR3D from = oldPosition + oldAxisZ * z + oldAxisY * y + oldAxisX * x;
+    VECTOR3D d = axisZ * z + axisY * y + axisX * x;
+    VECTOR3D to = position + d;
+    if (!TheLevel->CollidePoint(&from, 1, seg, 5.0f, true, &to, true))
+        return false;
+    position = to - d;
+    hit = true;
+    return true;
 }
 
 void THING::Members(THINGMEMBERS& m)
@@ -219,4 +231,25 @@ bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB)
         return true;
     return BoxesOverlap(boxA, boxB);
 }
-void THING::CollideWithWalls() {}
+
+void THING::CollideWithWalls()
+{
+    if (!TheLevel)
+        return;
+    // Without a known segment the queries search the whole level.
+    SEGMENT* s = nullptr;
+    if (TheLevel->Segments && segment >= 0 && segment < MAX_SEGMENTS)
+        s = TheLevel->Segments[segment];
+    bool outer = TheLevel->CollidePoint(&oldPosition, 1, s, outerRadius, true, &position, false);
+    hit = false;
+    // The corners cost eight queries, so they wait for the cheap pass to hit.
+    // Each correction moves the object before the next corner is tested, so
+    // the order (high bounds first, z outermost) is kept.
+    if (outer)
+        for (float z : {boxZHigh, boxZLow})
+            for (float y : {boxYHigh, boxYLow})
+                for (float x : {boxXHigh, boxXLow})
+                    if (CollideBodyPoint(z, y, x, s))
+                        hit = true;
+    TheLevel->CollidePoint(&oldPosition, 1, s, innerRadius, true, &position, true);
+}

@@ -3,6 +3,9 @@
 #include "math/geometry.h"
 #include "orvlevel/level.h"
 #include "platform/tests/testplatform.h"
+#include "things/pickup.h"
+#include "things/spaceship.h"
+#include "things/thingmeshes.h"
 
 #include <climits>
 #include <memory>
@@ -169,4 +172,68 @@ TEST_F(ControllerTest, CommandTable)
         EXPECT_FALSE(Editor.Command(id)) << id;
     }
     EXPECT_EQ(P().Beeps, 0);
+}
+
+TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
+{
+    LoadThingMeshes();
+    // A rolled view: Up is not the world's up.
+    Cam.Position = {10, -20, 30};
+    Cam.ViewDir = {0, 0, -1};
+    Cam.Up = {1, 0, 0};
+    Cam.Right = {0, 1, 0};
+    const struct
+    {
+        int Id;
+        const char* Class;
+    } items[] = {{CM_SHIELDBONUS, "P_SHIELD"}, {CM_ENERGYBONUS, "P_ENERGY"}, {CM_TEMPESTPICKUP, "P_TEMPEST"},
+                 {CM_LASERBOOST, "P_LASERBOOST"}, {CM_SHIPLEVEL, "P_SHIPLEVEL"}};
+    for (int i = 0; i < 5; ++i)
+    {
+        SCOPED_TRACE(items[i].Class);
+        EXPECT_TRUE(ORVEDITOR::HasCommand(items[i].Id));
+        EXPECT_TRUE(Editor.Command(items[i].Id));
+        THING* t = L->Things[i];
+        ASSERT_NE(dynamic_cast<PICKUP*>(t), nullptr);
+        EXPECT_STREQ(t->ClassName(), items[i].Class);
+        EXPECT_EQ(t->position, Cam.Position);
+        EXPECT_EQ(t->axisZ, VECTOR3D(1, 0, 0));
+        EXPECT_EQ(t->axisY, VECTOR3D(0, 1, 0));
+        EXPECT_EQ(t->axisX, VECTOR3D(0, 0, 1));
+        EXPECT_EQ(t->oldPosition, Cam.Position);
+    }
+
+    EXPECT_TRUE(ORVEDITOR::HasCommand(CM_ENEMYSHIP));
+    EXPECT_TRUE(Editor.Command(CM_ENEMYSHIP));
+    auto* ship = dynamic_cast<SPACESHIP*>(L->Things[5]);
+    ASSERT_NE(ship, nullptr);
+    EXPECT_EQ(ship->position, Cam.Position);
+    EXPECT_EQ(ship->axisX, Cam.ViewDir);
+    EXPECT_EQ(ship->axisY, Cam.Up);
+    EXPECT_EQ(ship->axisZ, Cam.Right);
+    EXPECT_EQ(ship->oldAxisY, Cam.Up);
+    EXPECT_EQ(ship->playerControlled, 0);
+    EXPECT_EQ(ship->team, 3);
+    EXPECT_EQ(ship->target, -1);
+    EXPECT_EQ(ship->goal, Cam.Position);
+
+    // The nearest object goes, and only that one.
+    L->Things[2]->position = {500, 0, 0};
+    Cam.Position = {450, 0, 0};
+    EXPECT_TRUE(ORVEDITOR::HasCommand(CM_DELETENEARESTTHING));
+    EXPECT_TRUE(Editor.Command(CM_DELETENEARESTTHING));
+    EXPECT_EQ(L->Things[2], nullptr);
+    EXPECT_EQ(L->Things[5], ship);
+
+    // A full table keeps what it has; the new object is not stored.
+    L = std::make_unique<ORVLEVEL>();
+    TheLevel = L.get();
+    P().Reset();
+    for (int i = 0; i < MAX_THINGS; ++i)
+        L->Things[i] = new THING;
+    Editor.Command(CM_ENEMYSHIP);
+    Editor.Command(CM_SHIPLEVEL);
+    for (int i = 0; i < MAX_THINGS; ++i)
+        ASSERT_STREQ(L->Things[i]->ClassName(), "THING") << i;
+    EXPECT_TRUE(P().Messages.empty());
 }

@@ -50,13 +50,59 @@ TEST_F(LevelDumpTest, LevelTextsAndSmallTablesAppearInIndexOrder)
     level.SpecPoints[200] = new SPECPOINT{{0, 0, 0}, 1};
     level.SpecPoints[7] = new SPECPOINT{{1, 2, 3}, 0};
     level.Things[2] = new THING;
+    level.Things[2]->position = {1, -2.5f, 0.1f};
+    level.Things[2]->lastSegment = 12;
+    level.Things[2]->ghost = true;
+    level.Things[2]->boxXHigh = 3;
     std::string json = DumpLevelJson(level);
     EXPECT_EQ(json.rfind("{\"name\": \"\\\"Próba\\\"\", \"fileName\": \"dir/a\\\\b.ORVLevel\", "
                          "\"selection\": {\"segment\": -1, \"side\": 0, \"point\": 0}, \"currentTexture\": 0, ", 0), 0u);
-    EXPECT_NE(json.find(", \"things\": [{\"index\": 2, \"class\": \"THING\"}], "
+    EXPECT_NE(json.find(", \"things\": [{\"index\": 2, \"class\": \"THING\", \"position\": [1, -2.5, 0.1], "
+                        "\"oldPosition\": [0, 0, 0], \"axisY\": [0, 1, 0], \"axisZ\": [1, 0, 0], \"axisX\": [0, 0, 1], "
+                        "\"oldAxisY\": [0, 0, 0], \"oldAxisZ\": [0, 0, 0], \"oldAxisX\": [0, 0, 0], "
+                        "\"segment\": -1, \"lastSegment\": 12, \"outerRadius\": 0, \"innerRadius\": 0, "
+                        "\"hit\": 0, \"ghost\": 1, \"dead\": 0, \"boxZLow\": 0, \"boxZHigh\": 0, \"boxYLow\": 0, "
+                        "\"boxYHigh\": 0, \"boxXLow\": 0, \"boxXHigh\": 3, \"pushDistance\": 0}], "
                         "\"lights\": [{\"index\": 3, \"position\": [1.5, -2, 0.1], \"colour\": [1, 0.5, 0], \"brightness\": 10000}], "
                         "\"specPoints\": [{\"index\": 7, \"position\": [1, 2, 3], \"type\": 0}, "
                         "{\"index\": 200, \"position\": [0, 0, 0], \"type\": 1}]}"),
               std::string::npos);
     EXPECT_EQ(json.find('\n'), std::string::npos);
+}
+
+namespace {
+
+// Members of every kind a game-object class may have, after THING's.
+class DUMPEDTHING : public THING
+{
+public:
+    int32_t count = -7;
+    void* owner = this;
+    char lines[3][6] = {"full!", "\xE1rny", ""};
+    const char* ClassName() const override { return "DUMPED"; }
+    void Members(THINGMEMBERS& m) override
+    {
+        THING::Members(m);
+        m.I32("count", count);
+        m.Pointer("owner", StoredPointer(owner));
+        m.Pointer("none", StoredPointer(nullptr));
+        m.Texts("lines", &lines[0][0], 3, 6);
+    }
+};
+
+} // namespace
+
+TEST_F(LevelDumpTest, ThingsShowEveryRecordMemberInRecordOrder)
+{
+    ORVLEVEL level;
+    auto* t = new DUMPEDTHING;
+    // The first field fills all its bytes: no NUL, the text ends with the field.
+    std::memcpy(t->lines[0], "full!!", 6);
+    level.Things[999] = t;
+    std::string json = DumpLevelJson(level);
+    EXPECT_NE(json.find("\"things\": [{\"index\": 999, \"class\": \"DUMPED\", \"position\": [0, 0, 0], "), std::string::npos);
+    EXPECT_NE(json.find("\"pushDistance\": 0, \"count\": -7, \"owner\": 1, \"none\": 0, "
+                        "\"lines\": [\"full!!\", \"árny\", \"\"]}], \"lights\""),
+              std::string::npos)
+        << json;
 }

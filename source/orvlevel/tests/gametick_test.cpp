@@ -1,0 +1,329 @@
+#include "orvlevel/level.h"
+
+#include "editor/camera.h"
+#include "platform/tests/testplatform.h"
+#include "things/effects.h"
+#include "things/thing.h"
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+// A world-aligned cube of half-size h whose Update does whatever the test asks.
+class BLOCK : public THING
+{
+public:
+    int Updates = 0;
+    std::function<void(BLOCK&)> OnUpdate;
+    std::function<void()> OnDestroy;
+
+    BLOCK(VECTOR3D p, float h)
+    {
+        position = p;
+        axisX = {1, 0, 0};
+        axisY = {0, 1, 0};
+        axisZ = {0, 0, 1};
+        boxXLow = boxYLow = boxZLow = -h;
+        boxXHigh = boxYHigh = boxZHigh = h;
+    }
+    ~BLOCK() override
+    {
+        if (OnDestroy)
+            OnDestroy();
+    }
+    void Update() override
+    {
+        ++Updates;
+        if (OnUpdate)
+            OnUpdate(*this);
+    }
+};
+
+void ExpectPoint(VECTOR3D p, VECTOR3D want)
+{
+    EXPECT_NEAR(p.x, want.x, 1e-3f);
+    EXPECT_NEAR(p.y, want.y, 1e-3f);
+    EXPECT_NEAR(p.z, want.z, 1e-3f);
+}
+
+class GameTickTest : public PlatformTest
+{
+protected:
+    GameTickTest() { TheLevel = L.get(); }
+    ~GameTickTest() override { TheLevel = nullptr; }
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+
+    BLOCK* Put(int slot, VECTOR3D p, float h)
+    {
+        auto* b = new BLOCK(p, h);
+        b->oldPosition = p;
+        b->oldAxisX = b->axisX, b->oldAxisY = b->axisY, b->oldAxisZ = b->axisZ;
+        L->Things[slot] = b;
+        return b;
+    }
+    // An unjoined copy of the default cube moved by `offset`.
+    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL)
+    {
+        SEGMENT s = *L->Segments[0];
+        for (int i = 0; i < 8; ++i)
+            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
+        s.Type = type;
+        return L->Add(&s);
+    }
+    int CountSparks() const
+    {
+        int n = 0;
+        for (int i = 0; i < MAX_THINGS; ++i)
+            n += L->Things[i] && dynamic_cast<SPARK*>(L->Things[i]) != nullptr;
+        return n;
+    }
+};
+
+} // namespace
+
+TEST_F(GameTickTest, PhysicsStepPushesSolidPairsApartByTheFirstObjectsDistance)
+{
+    BLOCK* a = Put(0, {0, 0, 0}, 10);
+    BLOCK* b = Put(1, {15, 0, 0}, 10);
+    a->pushDistance = 3;
+    b->pushDistance = 100; // B's own distance plays no part in this pair
+    L->PhysicsStep();
+    // Both move by A's distance along the line from B to A; then the wall
+    // pass starts each live object's hit afresh, and nothing touched a wall.
+    EXPECT_EQ(a->position, VECTOR3D(-3, 0, 0));
+    EXPECT_EQ(b->position, VECTOR3D(18, 0, 0));
+    EXPECT_FALSE(a->hit);
+    EXPECT_FALSE(b->hit);
+    EXPECT_EQ(a->oldPosition, a->position);
+    EXPECT_EQ(b->segment, 0);
+
+    // Ghosts take no part; objects at the very same place touch but are not
+    // pushed (there is no direction to push them in).
+    BLOCK* g = Put(2, {-10, 0, 0}, 10);
+    g->ghost = true;
+    g->pushDistance = 5;
+    BLOCK* twin = Put(3, {50, 50, 50}, 1);
+    BLOCK* twin2 = Put(4, {50, 50, 50}, 1);
+    twin->pushDistance = 5;
+    L->PhysicsStep();
+    EXPECT_EQ(g->position, VECTOR3D(-10, 0, 0));
+    EXPECT_EQ(a->position, VECTOR3D(-3, 0, 0)) << "only the ghost overlaps it now";
+    EXPECT_EQ(twin->position, VECTOR3D(50, 50, 50));
+    EXPECT_EQ(twin2->position, VECTOR3D(50, 50, 50));
+}
+
+TEST_F(GameTickTest, DeadObjectsAreOnlyEverTheSecondOfAPair)
+{
+    // A dead object in the later slot is still touched and pushed, and keeps
+    // its hit since no wall pass clears it; it is neither wall-tested nor
+    // committed.
+    BLOCK* live = Put(0, {0, 0, 0}, 10);
+    BLOCK* dead = Put(1, {0, 15, 0}, 10);
+    live->pushDistance = 3;
+    dead->dead = true;
+    dead->axisX = {0, 1, 0}, dead->axisY = {-1, 0, 0}, dead->axisZ = {0, 0, 1};
+    L->PhysicsStep();
+    EXPECT_EQ(live->position, VECTOR3D(0, -3, 0));
+    EXPECT_EQ(dead->position, VECTOR3D(0, 18, 0));
+    EXPECT_TRUE(dead->hit);
+    EXPECT_EQ(dead->oldPosition, VECTOR3D(0, 15, 0));
+    EXPECT_EQ(dead->oldAxisY, VECTOR3D(0, 1, 0));
+    EXPECT_EQ(dead->segment, -1);
+    EXPECT_EQ(live->segment, 0);
+
+    // In the earlier slot it starts no pair at all.
+    L->Things[0] = dead;
+    L->Things[1] = live;
+    dead->hit = false;
+    live->position = live->oldPosition = {0, 5, 0};
+    L->PhysicsStep();
+    EXPECT_EQ(live->position, VECTOR3D(0, 5, 0));
+    EXPECT_EQ(dead->position, VECTOR3D(0, 18, 0));
+    EXPECT_FALSE(dead->hit);
+
+    // CommitThings on its own: every frame field of live objects only.
+    live->position = {1, 2, 3};
+    live->axisX = {0, 1, 0}, live->axisY = {-1, 0, 0}, live->axisZ = {0, 0, 1};
+    L->CommitThings();
+    EXPECT_EQ(live->oldPosition, VECTOR3D(1, 2, 3));
+    EXPECT_EQ(live->oldAxisX, VECTOR3D(0, 1, 0));
+    EXPECT_EQ(live->oldAxisY, VECTOR3D(-1, 0, 0));
+    EXPECT_EQ(live->oldAxisZ, VECTOR3D(0, 0, 1));
+    EXPECT_EQ(dead->oldAxisY, VECTOR3D(0, 1, 0));
+}
+
+TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
+{
+    // (Paths keep clear of the diagonals the sides are split along, where
+    // triangle edges push sideways.)
+    // Moving straight out through the top: the outer pass hits, the top
+    // corners are stopped 5 units before the wall and the object with them.
+    BLOCK* b = Put(0, {40, 0, 10}, 10);
+    b->segment = 0;
+    b->outerRadius = 17.320508f;
+    b->innerRadius = 10;
+    b->position = {40, 150, 10};
+    b->CollideWithWalls();
+    ExpectPoint(b->position, {40, 85, 10});
+    EXPECT_TRUE(b->hit);
+
+    // A box reaching beyond the wall goes unnoticed while the outer radius
+    // stays clear of it; the inner pass still corrects but does not count as
+    // a hit. A zero box behaves the same.
+    for (float h : {0.0f, 15.0f})
+    {
+        SCOPED_TRACE(h);
+        BLOCK* t = Put(1, {60, 0, 0}, h);
+        t->innerRadius = 20;
+        t->hit = true;
+        t->position = {60, 90, 0};
+        t->CollideWithWalls();
+        ExpectPoint(t->position, {60, 80, 0});
+        EXPECT_FALSE(t->hit);
+        delete t;
+    }
+    L->Things[1] = nullptr;
+
+    // The segment names where to look: a wall of an unjoined cube elsewhere
+    // is missed from segment 0 and found when the segment is unknown.
+    int far = AddCube({1000, 0, 0});
+    for (int32_t seg : {0, far, -1})
+    {
+        SCOPED_TRACE(seg);
+        BLOCK* t = Put(1, {1040, 0, 10}, 0);
+        t->segment = seg;
+        t->position = {1040, 150, 10};
+        t->CollideWithWalls();
+        EXPECT_EQ(t->hit, seg != 0);
+        EXPECT_NEAR(t->position.y, seg == 0 ? 150.0f : 95.0f, 1e-3f);
+        delete t;
+    }
+    L->Things[1] = nullptr;
+}
+
+TEST_F(GameTickTest, BodyPointsComeFromThePreviousFrame)
+{
+    // A pure turn in place swings the point 70 units along X through the top
+    // wall; only its previous place (on the old axes) shows the crossing.
+    BLOCK* b = Put(0, {0, 50, 0}, 0);
+    b->axisX = {0, 1, 0};
+    b->axisY = {-1, 0, 0};
+    EXPECT_TRUE(b->CollideBodyPoint(0, 0, 70, L->Segments[0]));
+    ExpectPoint(b->position, {0, 25, 0});
+    EXPECT_TRUE(b->hit);
+
+    // The same offset given as z moves along the turn axis: no wall.
+    b->position = {0, 50, 0};
+    b->hit = false;
+    EXPECT_FALSE(b->CollideBodyPoint(70, 0, 0, L->Segments[0]));
+    EXPECT_EQ(b->position, VECTOR3D(0, 50, 0));
+    EXPECT_FALSE(b->hit);
+}
+
+TEST_F(GameTickTest, FindTouchingThingFollowsBothPaths)
+{
+    THING* none[] = {nullptr};
+    BLOCK probe({0, 0, 0}, 5);
+    // B passed through the probe during this tick: found by B's own path,
+    // though neither the probe's given path nor the final boxes meet.
+    BLOCK* b = Put(3, {50, 0, 0}, 5);
+    b->oldPosition = {-50, 0, 0};
+    EXPECT_EQ(L->FindTouchingThing(&probe, {0, 0, -60}, none, 0), b);
+    b->oldPosition = b->position;
+    EXPECT_EQ(L->FindTouchingThing(&probe, {0, 0, -60}), nullptr);
+    // The given point is where the probe came from.
+    EXPECT_EQ(L->FindTouchingThing(&probe, {100, 0, 0}), b);
+
+    // First in slot order, skipping ghosts, excluded objects and itself.
+    BLOCK* c = Put(7, {3, 0, 0}, 5);
+    BLOCK* d = Put(9, {-3, 0, 0}, 5);
+    b->position = b->oldPosition = {3, 0, 0};
+    EXPECT_EQ(L->FindTouchingThing(&probe, probe.position), b);
+    THING* excluded[] = {c, b};
+    EXPECT_EQ(L->FindTouchingThing(&probe, probe.position, excluded, 2), d);
+    EXPECT_EQ(L->FindTouchingThing(&probe, probe.position, excluded, 1), b);
+    b->ghost = true;
+    EXPECT_EQ(L->FindTouchingThing(&probe, probe.position), c);
+    EXPECT_EQ(L->FindTouchingThing(c, c->position), d);
+}
+
+TEST_F(GameTickTest, GameTickUpdatesEverySlotAndRemovesTheDead)
+{
+    CAMERA cam;
+    // Slot 0 is free: a child added there is only updated from the next
+    // tick on, one added after the current slot in the same tick.
+    BLOCK* spawner = Put(1, {0, 0, 0}, 1);
+    BLOCK* early = nullptr;
+    BLOCK* late = nullptr;
+    spawner->OnUpdate = [&](BLOCK& self) {
+        if (self.Updates == 1)
+            L->AddThing(early = new BLOCK({1, 1, 1}, 1));
+        else if (self.Updates == 2)
+            L->AddThing(late = new BLOCK({2, 2, 2}, 1));
+    };
+    BLOCK* dying = Put(2, {0, 0, 0}, 1);
+    int destroyed = 0;
+    BLOCK* leftover = nullptr;
+    dying->OnUpdate = [](BLOCK& self) { self.dead = self.Updates == 2; };
+    dying->OnDestroy = [&] {
+        ++destroyed;
+        // Its slot is still taken: what the destructor leaves goes elsewhere.
+        L->AddThing(leftover = new BLOCK({3, 3, 3}, 1));
+    };
+    Put(3, {0, 0, 0}, 1);
+
+    L->GameTick(cam);
+    EXPECT_EQ(L->Things[0], early);
+    EXPECT_EQ(early->Updates, 0);
+    EXPECT_EQ(dying->Updates, 1);
+
+    L->GameTick(cam);
+    EXPECT_EQ(early->Updates, 1);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(L->Things[4], late);
+    EXPECT_EQ(late->Updates, 1);
+    EXPECT_EQ(L->Things[5], leftover);
+    EXPECT_EQ(leftover->Updates, 1);
+    EXPECT_EQ(L->Things[2], nullptr);
+    // The emptied slot is the lowest free one again.
+    EXPECT_EQ(L->AddThing(new THING), 2);
+    EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(GameTickTest, RechargerSegmentsSparkEveryFourthTick)
+{
+    CAMERA cam;
+    L->Segments[0]->Type = SEGTYPE_RELOAD;
+    int plain = AddCube({1000, 0, 0});
+    int reload = AddCube({0, 1000, 0}, SEGTYPE_RELOAD);
+    ASSERT_EQ(L->SparkCountdown, 0);
+
+    L->GameTick(cam);
+    EXPECT_EQ(L->SparkCountdown, 4);
+    ASSERT_EQ(CountSparks(), 2);
+    int seen[2] = {};
+    for (int i = 0; i < 2; ++i)
+    {
+        auto* s = dynamic_cast<SPARK*>(L->Things[i]);
+        ASSERT_NE(s, nullptr);
+        EXPECT_EQ(s->size, 20.0f);
+        EXPECT_EQ(s->decay, 2.0f);
+        EXPECT_TRUE(s->ghost);
+        EXPECT_EQ(s->oldPosition, s->position);
+        int in = L->FindSegment(s->position);
+        EXPECT_NE(in, plain);
+        seen[i] = in;
+    }
+    EXPECT_EQ(seen[0], 0);
+    EXPECT_EQ(seen[1], reload);
+
+    for (int tick = 2; tick <= 4; ++tick)
+    {
+        L->GameTick(cam);
+        EXPECT_EQ(CountSparks(), 2) << tick;
+    }
+    L->GameTick(cam);
+    EXPECT_EQ(CountSparks(), 4);
+    EXPECT_EQ(L->SparkCountdown, 4);
+}
