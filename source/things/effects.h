@@ -117,6 +117,10 @@ public:
     const char* ClassName() const override { return "TEMPEST"; }
 };
 
+// The light an object in `segment` is drawn with: the segment's mean corner
+// colour, or white outside any (valid) segment.
+VECTOR3D SegmentAmbient(int32_t segment);
+
 // The colour of a shot of `level` 1 ... 10; any other level shows
 // "Invalid Laser shot level value!" and ends the program.
 VECTOR3D LaserColour(int32_t level);

@@ -1,0 +1,52 @@
+// orvane-cli simulate and the object commands of run, end to end.
+#include "clitest.h"
+
+#include <string>
+
+namespace {
+
+class SimulateTest : public CliTest
+{
+protected:
+    std::string Path(const char* name) const { return In(name).string(); }
+    static size_t Count(const std::string& text, const std::string& what)
+    {
+        size_t n = 0;
+        for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+            ++n;
+        return n;
+    }
+};
+
+} // namespace
+
+TEST_F(SimulateTest, PlacedObjectsRunRepeatablyFromASeed)
+{
+    // Two ships and three items placed from the camera in the default cube;
+    // the second ship is placed and then deleted again, which leaves its
+    // explosion and dropped items in the level.
+    WriteText(In("script"), "srand 42\n"
+                            "camera 0 0 50 0 0 -1 0 1 0 -1 0 0\ncommand 11873\n"
+                            "camera 0 0 -50 0 0 1 0 1 0 1 0 0\ncommand 11878\n"
+                            "camera 50 0 0 1 0 0 0 1 0 0 0 1\ncommand 11881\ncommand 11877\n"
+                            "camera -60 0 0 1 0 0 0 1 0 0 0 1\ncommand 11873\ncommand 11876\n"
+                            "save " + Path("placed") + "\n");
+    RUN r = Cli({"run", Path("script")});
+    ASSERT_EQ(r.Status, 0) << r.Err;
+    std::string placed = Cli({"dump", Path("placed")}).Out;
+    EXPECT_EQ(Count(placed, R"("class": "SPACESHIP")"), 1u);
+    EXPECT_GE(Count(placed, R"("class": "P_)"), 4u); // placed ones plus at least one drop
+    EXPECT_EQ(Count(placed, "EXPLOSION"), 0u);       // effects are never saved
+
+    ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("a"), "7"}).Status, 0);
+    ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("b"), "7"}).Status, 0);
+    EXPECT_TRUE(ReadText(In("a")) == ReadText(In("b")));
+    std::string after = Cli({"dump", Path("a")}).Out;
+    EXPECT_NE(after, placed); // items turn, ships count money
+    EXPECT_EQ(Count(after, R"("class": "SPACESHIP")"), 1u);
+
+    EXPECT_EQ(Cli({"simulate", Path("placed"), "-1", Path("d")}).Status, 2);
+    EXPECT_EQ(Cli({"simulate", Path("placed"), "1", Path("d"), "x"}).Status, 2);
+    EXPECT_EQ(Cli({"simulate", Path("missing"), "1", Path("d")}).Status, 1);
+    EXPECT_FALSE(fs::exists(In("d")));
+}
