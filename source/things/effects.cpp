@@ -2,7 +2,6 @@
 
 #include "graphics/trimesh.h"
 #include "orvlevel/level.h"
-#include "orvlevel/newordie.h"
 #include "platform/platform.h"
 #include "sound/buffer.h"
 #include "sound/source.h"
@@ -11,6 +10,7 @@
 #include "things/thingmeshes.h"
 
 #include <cmath>
+#include <new>
 #include <typeinfo>
 
 TEXTURE* ExplosionTexture = nullptr;
@@ -19,7 +19,14 @@ namespace {
 
 SOURCE* NewSource(BUFFER* buffer, VECTOR3D at)
 {
-    return NewOrDie<SOURCE>("Not enough memory!", buffer, at.x, at.y, at.z, 0.0f, 0.0f, 0.0f);
+    try
+    {
+        return new SOURCE(buffer, at.x, at.y, at.z, 0.0f, 0.0f, 0.0f);
+    }
+    catch (const std::bad_alloc&)
+    {
+        FatalMessage("Not enough memory!", "FATAL!", MSGICON_STOP);
+    }
 }
 
 // Draws a shot-like object: model z along the direction of flight.
