@@ -328,6 +328,20 @@ void SPACESHIP::AttackTarget()
     }
 }
 
+void SPACESHIP::Launch(LASERSHOT* shot, VECTOR3D muzzle, float damage, float speed)
+{
+    shot->position = muzzle;
+    shot->axisX = axisX;
+    shot->axisY = axisY;
+    shot->axisZ = axisZ;
+    shot->level = primaryWeapon + 1;
+    shot->owner = this;
+    shot->lastPoint = muzzle;
+    shot->damage = damage;
+    shot->speed = speed;
+    HandToLevel(shot);
+}
+
 void SPACESHIP::FirePrimary(ORVLEVEL*)
 {
     if (dying || primaryCooldown >= 1)
@@ -341,17 +355,7 @@ void SPACESHIP::FirePrimary(ORVLEVEL*)
     for (float side : {-1.0f, 1.0f})
     {
         VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * side);
-        auto* shot = new LASERSHOT(true, muzzle);
-        shot->position = muzzle;
-        shot->axisX = axisX;
-        shot->axisY = axisY;
-        shot->axisZ = axisZ;
-        shot->level = primaryWeapon + 1;
-        shot->owner = this;
-        shot->lastPoint = muzzle;
-        shot->damage = float(Fibonacci(primaryWeapon + 1));
-        shot->speed = float(10 * primaryWeapon + 20);
-        HandToLevel(shot);
+        Launch(new LASERSHOT(true, muzzle), muzzle, float(Fibonacci(primaryWeapon + 1)), float(10 * primaryWeapon + 20));
     }
     primaryCooldown = (primaryWeapon / 2) * 5 + 10;
 }
@@ -366,17 +370,7 @@ void SPACESHIP::FireSecondary(ORVLEVEL*)
         return;
     float s = launchSide ? 1.0f : -1.0f;
     VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * s);
-    auto* missile = new TEMPEST(true, muzzle);
-    missile->position = muzzle;
-    missile->axisX = axisX;
-    missile->axisY = axisY;
-    missile->axisZ = axisZ;
-    missile->level = primaryWeapon + 1;
-    missile->owner = this;
-    missile->lastPoint = muzzle;
-    missile->damage = 20.0f;
-    missile->speed = 40.0f;
-    HandToLevel(missile);
+    Launch(new TEMPEST(true, muzzle), muzzle, 20.0f, 40.0f);
     secondaryCooldown = 20;
     launchSide = !launchSide;
     --tempestCount;

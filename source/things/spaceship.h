@@ -5,6 +5,7 @@
 
 #include "things/thing.h"
 
+class LASERSHOT;
 class ORVLEVEL;
 
 constexpr int32_t SPACESHIP_SIZE = 1233;
@@ -88,4 +89,8 @@ public:
     // leaves the buffer's previous content.
     const char* PrimaryWeaponName() const;
     const char* SecondaryWeaponName() const;
+
+private:
+    // Sends a new shot or missile off from `muzzle` in the ship's frame.
+    void Launch(LASERSHOT* shot, VECTOR3D muzzle, float damage, float speed);
 };
