@@ -302,7 +302,9 @@ TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
     for (int i = 0; i < MAX_THINGS; ++i)
     {
         if (THING* t = L->Things[i]; t && t != boom)
+        {
             EXPECT_LE(Length(t->position), 30.0f); // dropped around the ship
+        }
     }
 
     L = std::make_unique<ORVLEVEL>();
