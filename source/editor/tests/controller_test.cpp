@@ -2,6 +2,7 @@
 
 #include "math/geometry.h"
 #include "orvlevel/level.h"
+#include "orvlevel/tests/leveltesting.h"
 #include "platform/tests/testplatform.h"
 #include "things/pickup.h"
 #include "things/spaceship.h"
@@ -27,14 +28,7 @@ protected:
     int Dialogs = 0;
     int32_t Shift = 0;
     void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
-    // An unjoined copy of the default cube moved by `offset`.
-    int AddCube(VECTOR3D offset)
-    {
-        SEGMENT s = *L->Segments[0];
-        for (int i = 0; i < 8; ++i)
-            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
-        return L->Add(&s);
-    }
+    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "orvlevel/level.h"
 
 #include "editor/camera.h"
+#include "orvlevel/tests/leveltesting.h"
 #include "platform/tests/testplatform.h"
 #include "things/effects.h"
 #include "things/thing.h"
@@ -62,15 +63,7 @@ protected:
         L->Things[slot] = b;
         return b;
     }
-    // An unjoined copy of the default cube moved by `offset`.
-    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL)
-    {
-        SEGMENT s = *L->Segments[0];
-        for (int i = 0; i < 8; ++i)
-            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
-        s.Type = type;
-        return L->Add(&s);
-    }
+    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
     int CountSparks() const
     {
         int n = 0;

@@ -2,6 +2,7 @@
 
 #include "editor/camera.h"
 #include "math/geometry.h"
+#include "orvlevel/tests/leveltesting.h"
 #include "platform/tests/testplatform.h"
 
 #include <algorithm>
@@ -27,14 +28,7 @@ protected:
     void Select(int seg, int side, int point = 0) { L->CurrentSegment = seg, L->CurrentSide = side, L->CurrentPoint = point; }
     int Points() { return int(std::count_if(L->Points, L->Points + MAX_POINTS, [](auto p) { return p; })); }
     int Segments() { return int(std::count_if(L->Segments, L->Segments + MAX_SEGMENTS, [](auto p) { return p; })); }
-    // An unjoined copy of the default cube moved by `offset`, on its own points.
-    int AddCube(VECTOR3D offset)
-    {
-        SEGMENT s = *L->Segments[0];
-        for (int i = 0; i < 8; ++i)
-            s.Corners[i] = L->Add(DefaultCubeCorners[i] + offset);
-        return L->Add(&s);
-    }
+    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
     void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
     void Click() { L->PickSide(320, 240, Cam, 640, 480); }
 };
