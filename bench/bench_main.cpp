@@ -1,61 +1,68 @@
 // orvane-bench: the editor's heavy operations on a full-size level, each
-// beside the plain scan it replaces, with the ratio printed at the end.
+// beside the plain scan it replaces, and saving and loading beside a bare copy
+// of the file's bytes. The run ends with a table of ratios taken from its own
+// figures. Run it from the program directory: the level needs the bitmaps.
 #include "fulllevel.h"
 #include "literal.h"
 
 #include "math/trig.h"
-#include "platform/platform.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
-// Messages and beeps would only disturb the figures.
-class QUIETPLATFORM : public CONSOLEPLATFORM
-{
-public:
-    void MessageBox(const std::string&, const std::string&, MESSAGEICON) override {}
-    void Beep() override {}
-};
-
+// The level every benchmark works on; those that change it put it back.
 ORVLEVEL& Full()
 {
-    static std::unique_ptr<ORVLEVEL> level = [] {
-        auto l = BuildFullLevel();
-        TheLevel = l.get();
-        return l;
-    }();
+    static std::unique_ptr<ORVLEVEL> level = BuildFullLevel();
+    TheLevel = level.get();
     return *level;
 }
 
-// A camera in the middle of the block looking along +x, slightly tilted.
-CAMERA MiddleCamera()
+// The same level with its inner sides textured too.
+ORVLEVEL& FullEverySide()
 {
-    CAMERA c;
-    c.Position = FullCellCentre(FULL_X / 2, FULL_Y / 2, FULL_Z / 2) + VECTOR3D(1, 2, 3);
-    c.ViewDir = VECTOR3D(1, 0.1f, 0.05f) / Length(VECTOR3D(1, 0.1f, 0.05f));
-    c.Up = Cross(Cross(c.ViewDir, VECTOR3D(0, 1, 0)), c.ViewDir);
-    c.Up /= Length(c.Up);
-    c.Right = Cross(c.ViewDir, c.Up);
-    return c;
+    static std::unique_ptr<ORVLEVEL> level = [] {
+        auto l = BuildFullLevel();
+        TextureEverySide(*l);
+        return l;
+    }();
+    TheLevel = level.get();
+    return *level;
 }
 
-// Points spread over the block (and a few outside it).
-std::vector<VECTOR3D> Probes()
+std::filesystem::path TempDir()
 {
-    std::vector<VECTOR3D> p;
-    for (int i = 0; i < 64; ++i)
-        p.push_back(FullCellCentre((i * 7) % (FULL_X + 2) - 1, (i * 11) % FULL_Y, (i * 3) % FULL_Z) +
-                    VECTOR3D(13, -7, 5));
-    return p;
+    static std::filesystem::path dir = [] {
+        std::string pattern = (std::filesystem::temp_directory_path() / "orvane-bench-XXXXXX").string();
+        if (!mkdtemp(pattern.data()))
+        {
+            std::perror("orvane-bench: temporary directory");
+            std::exit(1);
+        }
+        return std::filesystem::path(pattern);
+    }();
+    return dir;
 }
+
+std::string LevelFile()
+{
+    return (TempDir() / "full.ORVLevel").string();
+}
+
+// ---------------------------------------------------------------------------
+// The operations against their plain versions
 
 void RemoveUnusedPoints(benchmark::State& state, bool literal)
 {
@@ -65,177 +72,303 @@ void RemoveUnusedPoints(benchmark::State& state, bool literal)
         state.PauseTiming();
         FillUnusedPoints(L);
         state.ResumeTiming();
-        if (literal)
-            LiteralRemoveUnusedPoints(L);
-        else
-            L.RemoveUnusedPoints();
+        literal ? LiteralRemoveUnusedPoints(L) : L.RemoveUnusedPoints();
     }
     FillUnusedPoints(L);
 }
 
 void DeleteSegment(benchmark::State& state, bool literal)
 {
+    ORVLEVEL& L = Full();
+    const SEGMENTSNAPSHOT shot = TakeSnapshot(L, FullMiddleSegment());
     for (auto _ : state)
     {
+        literal ? LiteralDeleteSegment(L, shot.Index) : L.DeleteSegment(shot.Index);
         state.PauseTiming();
-        auto level = BuildFullLevel();
-        TheLevel = level.get();
-        state.ResumeTiming();
-        int32_t middle = 2500 + FULL_X / 2;
-        if (literal)
-            LiteralDeleteSegment(*level, middle);
-        else
-            level->DeleteSegment(middle);
-        state.PauseTiming();
-        level.reset();
-        TheLevel = &Full();
+        PutSegmentBack(L, shot);
         state.ResumeTiming();
     }
 }
 
-void Lighting(benchmark::State& state, bool literal)
+void Lighting(benchmark::State& state, ORVLEVEL& (*level)(), bool literal)
 {
-    ORVLEVEL& L = Full();
+    ORVLEVEL& L = level();
     for (auto _ : state)
         literal ? LiteralCalculateLighting(L) : L.CalculateLighting();
 }
 
-void Pick(benchmark::State& state, bool literal)
+void PickSide(benchmark::State& state, bool literal)
 {
     ORVLEVEL& L = Full();
-    CAMERA c = MiddleCamera();
+    const CAMERA camera = FullLevelCamera();
     for (auto _ : state)
     {
-        literal ? LiteralPickSide(L, 300, 200, c, 640, 480) : L.PickSide(300, 200, c, 640, 480);
+        literal ? LiteralPickSide(L, 300, 200, camera, 640, 480) : L.PickSide(300, 200, camera, 640, 480);
         benchmark::DoNotOptimize(L.CurrentSegment);
     }
+    L.CurrentSegment = -1;
 }
 
-void Find(benchmark::State& state, bool literal)
+void FindSegment(benchmark::State& state, bool literal)
 {
-    ORVLEVEL& L = Full();
-    std::vector<VECTOR3D> probes = Probes();
+    const ORVLEVEL& L = Full();
+    const std::vector<VECTOR3D> probes = FullLevelProbes();
     for (auto _ : state)
         for (VECTOR3D p : probes)
             benchmark::DoNotOptimize(literal ? LiteralFindSegment(L, p) : L.FindSegment(p));
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(probes.size()));
 }
 
-// Mode 0: the whole level, from a point near a wall.
-void Collide(benchmark::State& state)
+// Mode 0: every segment of the level, with correction.
+void CollidePoint(benchmark::State& state, bool literal)
 {
     ORVLEVEL& L = Full();
+    const std::vector<MOTION> motions = FullLevelMotions();
     for (auto _ : state)
-    {
-        VECTOR3D from = FullCellCentre(0, 0, 0), to = from - VECTOR3D(95, 0, 0);
-        benchmark::DoNotOptimize(L.CollidePoint(&from, 0, nullptr, 10.0f, true, &to, true));
-    }
+        for (const MOTION& m : motions)
+        {
+            VECTOR3D from = m.From, to = m.To;
+            bool hit = literal ? LiteralCollidePoint(L, &from, m.Distance, m.Swept, &to, true)
+                               : L.CollidePoint(&from, 0, nullptr, m.Distance, m.Swept, &to, true);
+            benchmark::DoNotOptimize(hit);
+        }
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(motions.size()));
 }
 
-std::string TempFile(const char* name)
-{
-    return (std::filesystem::temp_directory_path() / name).string();
-}
+// ---------------------------------------------------------------------------
+// Level files against copying their bytes
 
-void Save(benchmark::State& state)
+void SaveLevel(benchmark::State& state)
 {
     ORVLEVEL& L = Full();
-    std::string path = TempFile("orvane-bench.ORVLevel");
+    const std::string path = LevelFile();
     for (auto _ : state)
         L.SaveLevel(path.c_str());
     state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(std::filesystem::file_size(path)));
 }
 
-void Load(benchmark::State& state)
+void LoadLevel(benchmark::State& state)
 {
-    std::string path = TempFile("orvane-bench.ORVLevel");
+    const std::string path = LevelFile();
     Full().SaveLevel(path.c_str());
-    ORVLEVEL level;
+    ORVLEVEL level(path.c_str()); // each load replaces a full level, as in the editor
+    TheLevel = &level;
     for (auto _ : state)
         level.LoadLevel(path.c_str());
-    TheLevel = &Full();
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(std::filesystem::file_size(path)));
+    Full();
 }
 
-// The cost of the file's bytes alone: written, then read back.
-void CopyBytes(benchmark::State& state, bool write)
+// The in-memory halves of save and load, without the file.
+void Serialize(benchmark::State& state)
 {
-    std::vector<uint8_t> image = Full().Serialize();
-    std::string path = TempFile("orvane-bench.bytes");
-    std::vector<uint8_t> back(image.size());
+    ORVLEVEL& L = Full();
+    size_t size = 0;
     for (auto _ : state)
     {
-        std::FILE* f = std::fopen(path.c_str(), write ? "wb" : "rb");
-        if (write)
-            std::fwrite(image.data(), 1, image.size(), f);
-        else if (f && std::fread(back.data(), 1, back.size(), f) == back.size())
-            std::memcpy(image.data(), back.data(), back.size()); // the reader's copy into objects
-        if (f)
-            std::fclose(f);
-        benchmark::ClobberMemory();
+        std::vector<uint8_t> image = L.Serialize();
+        size = image.size();
+        benchmark::DoNotOptimize(image.data());
     }
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(size));
 }
 
-// Collects the mean time of every run for the ratio table.
+void Deserialize(benchmark::State& state)
+{
+    const std::vector<uint8_t> image = Full().Serialize();
+    ORVLEVEL level;
+    TheLevel = &level;
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        level.Clear();
+        state.ResumeTiming();
+        level.Deserialize(image.data(), image.size());
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(image.size()));
+    Full();
+}
+
+enum COPYKIND
+{
+    COPY_MEMCPY,
+    COPY_FWRITE,
+    COPY_FREAD,
+};
+
+// The file's bytes alone: copied in memory, written to a file, read back.
+void CopyBytes(benchmark::State& state, COPYKIND kind)
+{
+    std::vector<uint8_t> image = Full().Serialize();
+    std::vector<uint8_t> other(image.size());
+    const std::string path = (TempDir() / "bytes").string();
+    if (std::FILE* f = std::fopen(path.c_str(), "wb"))
+    {
+        std::fwrite(image.data(), 1, image.size(), f);
+        std::fclose(f);
+    }
+    for (auto _ : state)
+    {
+        if (kind == COPY_MEMCPY)
+            std::memcpy(other.data(), image.data(), image.size());
+        else if (std::FILE* f = std::fopen(path.c_str(), kind == COPY_FWRITE ? "wb" : "rb"))
+        {
+            size_t done = kind == COPY_FWRITE ? std::fwrite(image.data(), 1, image.size(), f)
+                                              : std::fread(other.data(), 1, other.size(), f);
+            std::fclose(f);
+            if (done != image.size())
+                state.SkipWithError("short file transfer");
+        }
+        else
+            state.SkipWithError("cannot open the byte file");
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(image.size()));
+}
+
+// ---------------------------------------------------------------------------
+// The ratio table
+
+struct TIMES
+{
+    double Real = 0; // seconds per iteration
+    double Cpu = 0;  // this thread's
+};
+
+// Keeps each benchmark's times per iteration (the means, when runs are
+// repeated).
 class RATIOREPORTER : public benchmark::ConsoleReporter
 {
 public:
-    std::map<std::string, double> Times;
+    std::map<std::string, TIMES> Times;
+
+    // Colours only on a terminal, so that saved output stays plain text.
+    RATIOREPORTER() : ConsoleReporter(isatty(fileno(stdout)) ? OO_ColorTabular : OO_Tabular) {}
+
     void ReportRuns(const std::vector<Run>& runs) override
     {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& r : runs)
-            Times[r.benchmark_name()] = r.GetAdjustedRealTime();
+        {
+            if (r.error_occurred)
+                continue;
+            if (r.run_type == Run::RT_Aggregate && r.aggregate_name != "mean")
+                continue;
+            double unit = benchmark::GetTimeUnitMultiplier(r.time_unit);
+            Times[r.run_name.function_name] = {r.GetAdjustedRealTime() / unit, r.GetAdjustedCPUTime() / unit};
+        }
+    }
+
+    // Zero when the benchmark did not run.
+    TIMES Of(const std::string& name) const
+    {
+        auto it = Times.find(name);
+        return it == Times.end() ? TIMES() : it->second;
     }
 };
+
+void PrintRatio(const std::string& label, TIMES fast, TIMES literal)
+{
+    if (fast.Real <= 0 || literal.Real <= 0)
+        return;
+    std::printf("%-28s %12.4f %12.4f %10.1fx\n", label.c_str(), fast.Real * 1e3, literal.Real * 1e3,
+                literal.Real / fast.Real);
+}
+
+// Wall-clock time counts what the file system makes a save wait for; the
+// processor time of the calling thread shows the program's own share.
+void PrintCost(const char* label, const char* baselineName, TIMES t, TIMES baseline)
+{
+    if (t.Real <= 0 || baseline.Real <= 0 || baseline.Cpu <= 0)
+        return;
+    std::printf("%-12s %-8s %10.4f %12.4f %8.1fx %10.4f %12.4f %8.1fx\n", label, baselineName, t.Real * 1e3,
+                baseline.Real * 1e3, t.Real / baseline.Real, t.Cpu * 1e3, baseline.Cpu * 1e3, t.Cpu / baseline.Cpu);
+}
+
+void PrintSummary(const RATIOREPORTER& r)
+{
+    std::printf("\nThe literal versions against the real ones (same run, %u hardware threads):\n",
+                std::thread::hardware_concurrency());
+    std::printf("%-28s %12s %12s %11s\n", "operation", "fast ms", "literal ms", "ratio");
+    const std::string probes = " (" + std::to_string(FullLevelProbes().size()) + " points)";
+    const std::string motions = " (" + std::to_string(FullLevelMotions().size()) + " motions)";
+    const std::pair<std::string, std::string> rows[] = {
+        {"RemoveUnusedPoints", ""},
+        {"DeleteSegment", ""},
+        {"CalculateLighting", ""},
+        {"CalculateLighting/every-side", ""},
+        {"PickSide", ""},
+        {"FindSegment", probes},
+        {"CollidePoint", motions},
+    };
+    for (const auto& [name, note] : rows)
+        PrintRatio(name + note, r.Of(name + "/fast"), r.Of(name + "/literal"));
+
+    std::printf("\nLevel files against copying the same bytes (real: wall clock; cpu: processor time):\n");
+    std::printf("%-12s %-8s %10s %12s %9s %10s %12s %9s\n", "operation", "baseline", "real ms", "baseline ms",
+                "copies", "cpu ms", "baseline ms", "copies");
+    const TIMES memcpyTimes = r.Of("CopyBytes/memcpy");
+    PrintCost("SaveLevel", "fwrite", r.Of("SaveLevel"), r.Of("CopyBytes/fwrite"));
+    PrintCost("LoadLevel", "fread", r.Of("LoadLevel"), r.Of("CopyBytes/fread"));
+    PrintCost("Serialize", "memcpy", r.Of("Serialize"), memcpyTimes);
+    PrintCost("Deserialize", "memcpy", r.Of("Deserialize"), memcpyTimes);
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    static QUIETPLATFORM quiet;
-    SetPlatform(&quiet);
+    // Messages keep going to standard error: on this level no measured
+    // operation has cause to show one, so any that appears is worth seeing.
+    // A missing bitmap would end the program before the first figure.
+    for (const char* bitmap : {"WallTex.bmp", "InvSide.bmp"})
+        if (!std::filesystem::exists(bitmap))
+        {
+            std::fprintf(stderr, "orvane-bench: %s is not in the working directory; run it from build/bin\n", bitmap);
+            return 2;
+        }
     InitTrigTables();
     Full();
 
     using benchmark::RegisterBenchmark;
-    auto ms = benchmark::kMillisecond;
-    RegisterBenchmark("RemoveUnusedPoints/fast", RemoveUnusedPoints, false)->Unit(ms);
-    RegisterBenchmark("RemoveUnusedPoints/literal", RemoveUnusedPoints, true)->Unit(ms)->Iterations(2);
-    RegisterBenchmark("DeleteSegment/fast", DeleteSegment, false)->Unit(ms)->Iterations(5);
-    RegisterBenchmark("DeleteSegment/literal", DeleteSegment, true)->Unit(ms)->Iterations(2);
-    RegisterBenchmark("CalculateLighting/fast", Lighting, false)->Unit(ms);
-    RegisterBenchmark("CalculateLighting/literal", Lighting, true)->Unit(ms)->Iterations(2);
-    RegisterBenchmark("PickSide/fast", Pick, false)->Unit(ms);
-    RegisterBenchmark("PickSide/literal", Pick, true)->Unit(ms);
-    RegisterBenchmark("FindSegment64/fast", Find, false)->Unit(ms);
-    RegisterBenchmark("FindSegment64/literal", Find, true)->Unit(ms);
-    RegisterBenchmark("CollidePoint/whole-level", Collide)->Unit(ms);
-    RegisterBenchmark("SaveLevel/fast", Save)->Unit(ms);
-    RegisterBenchmark("SaveLevel/literal", CopyBytes, true)->Unit(ms);
-    RegisterBenchmark("LoadLevel/fast", Load)->Unit(ms);
-    RegisterBenchmark("LoadLevel/literal", CopyBytes, false)->Unit(ms);
+    const auto ms = benchmark::kMillisecond;
+    auto add = [&](const std::string& name, auto fn, auto... args) {
+        return RegisterBenchmark(name.c_str(), fn, args...)->Unit(ms)->UseRealTime();
+    };
+    // Runs that put the level back after each iteration get a fixed count, or
+    // the putting back would take most of the run; so do the slowest literal
+    // versions, whose figures settle within a few runs.
+    add("RemoveUnusedPoints/fast", RemoveUnusedPoints, false)->Iterations(200);
+    add("RemoveUnusedPoints/literal", RemoveUnusedPoints, true)->Iterations(2);
+    add("DeleteSegment/fast", DeleteSegment, false)->Iterations(200);
+    add("DeleteSegment/literal", DeleteSegment, true)->Iterations(2);
+    add("CalculateLighting/fast", Lighting, Full, false);
+    add("CalculateLighting/literal", Lighting, Full, true);
+    add("CalculateLighting/every-side/fast", Lighting, FullEverySide, false);
+    add("CalculateLighting/every-side/literal", Lighting, FullEverySide, true)->Iterations(3);
+    add("PickSide/fast", PickSide, false);
+    add("PickSide/literal", PickSide, true);
+    add("FindSegment/fast", FindSegment, false);
+    add("FindSegment/literal", FindSegment, true);
+    add("CollidePoint/fast", CollidePoint, false);
+    add("CollidePoint/literal", CollidePoint, true);
+    add("SaveLevel", SaveLevel);
+    add("LoadLevel", LoadLevel);
+    add("Serialize", Serialize);
+    add("Deserialize", Deserialize);
+    add("CopyBytes/memcpy", CopyBytes, COPY_MEMCPY);
+    add("CopyBytes/fwrite", CopyBytes, COPY_FWRITE);
+    add("CopyBytes/fread", CopyBytes, COPY_FREAD);
 
     benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
     RATIOREPORTER reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
+    PrintSummary(reporter);
 
-    // Run names carry "/iterations:N" where the count is fixed.
-    std::map<std::string, double> byName;
-    for (const auto& [name, t] : reporter.Times)
-        byName[name.substr(0, name.find("/iterations:"))] = t;
-    std::printf("\n%-20s %12s %12s %8s\n", "operation", "fast ms", "literal ms", "ratio");
-    for (const char* op : {"RemoveUnusedPoints", "DeleteSegment", "CalculateLighting", "PickSide", "FindSegment64"})
-    {
-        double fast = byName[std::string(op) + "/fast"], lit = byName[std::string(op) + "/literal"];
-        std::printf("%-20s %12.4f %12.4f %7.1fx\n", op, fast, lit, fast > 0 ? lit / fast : 0.0);
-    }
-    // For save and load the baseline is the bare copy of the file's bytes;
-    // the figure is how many such copies the whole operation costs.
-    std::printf("\n%-20s %12s %12s %8s\n", "operation", "ms", "copy ms", "copies");
-    for (const char* op : {"SaveLevel", "LoadLevel"})
-    {
-        double fast = byName[std::string(op) + "/fast"], copy = byName[std::string(op) + "/literal"];
-        std::printf("%-20s %12.4f %12.4f %7.1fx\n", op, fast, copy, copy > 0 ? fast / copy : 0.0);
-    }
+    std::error_code ignored;
+    std::filesystem::remove_all(TempDir(), ignored);
     return 0;
 }

@@ -40,6 +40,7 @@ void LiteralCalculateLighting(ORVLEVEL& level)
                 if (side.Texture != -1)
                     for (VECTOR3D& c : side.Colours)
                         c = VECTOR3D(0, 0, 0);
+
     for (int l = 0; l < MAX_LIGHTS; ++l)
     {
         const STATICLIGHT* light = level.Lights[l];
@@ -55,7 +56,7 @@ void LiteralCalculateLighting(ORVLEVEL& level)
                 SIDE& side = seg->Sides[i];
                 if (side.Texture == -1)
                     continue;
-                VECTOR3D* got = level.GetSideCorners(s, i);
+                const VECTOR3D* got = level.GetSideCorners(s, i);
                 if (!got)
                     continue;
                 VECTOR3D c[4] = {got[0], got[1], got[2], got[3]};
@@ -67,8 +68,8 @@ void LiteralCalculateLighting(ORVLEVEL& level)
                     float f = CosAngle(d, n);
                     if (f < 0.0f)
                         continue;
-                    VECTOR3D add = light->Colour * light->Brightness;
-                    add = VECTOR3D(add.x / q, add.y / q, add.z / q) * f;
+                    VECTOR3D scaled = light->Colour * light->Brightness;
+                    VECTOR3D add = VECTOR3D(scaled.x / q, scaled.y / q, scaled.z / q) * f;
                     VECTOR3D& col = side.Colours[k];
                     col += add;
                     if (col.x > 1.0f)
@@ -97,7 +98,7 @@ void LiteralPickSide(ORVLEVEL& level, int x, int y, const CAMERA& camera, int wi
             continue;
         for (int i = 0; i < 6; ++i)
         {
-            VECTOR3D* got = level.GetSideCorners(s, i);
+            const VECTOR3D* got = level.GetSideCorners(s, i);
             if (!got)
                 continue;
             VECTOR3D c[4] = {got[0], got[1], got[2], got[3]};
@@ -136,4 +137,38 @@ int32_t LiteralFindSegment(const ORVLEVEL& level, VECTOR3D p)
             return s;
     }
     return -1;
+}
+
+bool LiteralCollidePoint(ORVLEVEL& level, VECTOR3D* from, float distance, bool swept, VECTOR3D* to,
+                         bool correct)
+{
+    bool any = false;
+    for (int s = 0; s < MAX_SEGMENTS; ++s)
+    {
+        SEGMENT* seg = level.Segments[s];
+        if (!seg)
+            continue;
+        for (int i = 0; i < 6; ++i)
+        {
+            int32_t wall = seg->Sides[i].WallType;
+            if (wall == WALL_PASSABLE)
+                continue;
+            const VECTOR3D* got = level.GetSideCorners(s, i);
+            if (!got)
+                continue;
+            VECTOR3D c[4] = {got[0], got[1], got[2], got[3]};
+            // A door's two sliding corners as drawn; no offset on other walls.
+            int32_t e = level.DoorSlideEdge(s, i);
+            VECTOR3D offset = level.DoorOffset(s, i);
+            c[(e + 1) % 4] += offset;
+            c[(e + 2) % 4] += offset;
+            bool hit = ORVLEVEL::CollideTriangle(from, c[0], c[1], c[3], distance, swept, to, correct);
+            if (!hit)
+                hit = ORVLEVEL::CollideTriangle(from, c[1], c[2], c[3], distance, swept, to, correct);
+            if (hit && wall == WALL_DOOR && correct)
+                level.OpenDoor(s, i);
+            any |= hit;
+        }
+    }
+    return any;
 }

@@ -1,6 +1,7 @@
 // The operations the benchmarks measure, written as the plain scans they are
-// described as, without the tables, bit sets or threads of the real ones.
-// They run on the same level and must give the same results.
+// described as: no bit sets, no SIMD, no threads, no skipping of cells that
+// cannot matter. They work on the same levels as the real operations and
+// must give exactly the same results, or the ratios mean nothing.
 #pragma once
 
 #include "editor/camera.h"
@@ -8,11 +9,15 @@
 
 // Point by point: is it a corner of any segment?
 void LiteralRemoveUnusedPoints(ORVLEVEL& level);
-// Unlink, delete, then the literal point scan.
+// Unlink every joined side, delete, then the point-by-point scan.
 void LiteralDeleteSegment(ORVLEVEL& level, int32_t index);
-// Light by light, single-threaded, clamping after each.
+// Light by light, segment by segment, corner by corner, one thread,
+// clamping after each addition.
 void LiteralCalculateLighting(ORVLEVEL& level);
-// Every side of every segment against the click ray; the selection as PickSide leaves it.
+// Both triangles of every side of every segment against the click ray.
 void LiteralPickSide(ORVLEVEL& level, int x, int y, const CAMERA& camera, int width, int height);
-// The first segment no side plane puts the point outside of.
+// The first segment whose six side planes all have the point on their inner side.
 int32_t LiteralFindSegment(const ORVLEVEL& level, VECTOR3D p);
+// Every solid side of every segment, in slot order (CollidePoint's mode 0).
+bool LiteralCollidePoint(ORVLEVEL& level, VECTOR3D* from, float distance, bool swept, VECTOR3D* to,
+                         bool correct);
