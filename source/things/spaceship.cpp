@@ -41,6 +41,16 @@ THING* ThingAt(int32_t slot)
     return TheLevel->Things[slot];
 }
 
+// Shots go to the level the firing code names; without one, to the current
+// level. A full table drops the shot.
+void AddToLevel(ORVLEVEL* level, THING* t)
+{
+    if (!level)
+        HandToLevel(t);
+    else if (level->AddThing(t) < 0)
+        delete t;
+}
+
 // The world-aligned frame of dropped and bought items.
 const VECTOR3D ItemZ(1, 0, 0), ItemY(0, 1, 0), ItemX(0, 0, 1);
 
@@ -339,10 +349,9 @@ void SPACESHIP::Launch(LASERSHOT* shot, VECTOR3D muzzle, float damage, float spe
     shot->lastPoint = muzzle;
     shot->damage = damage;
     shot->speed = speed;
-    HandToLevel(shot);
 }
 
-void SPACESHIP::FirePrimary(ORVLEVEL*)
+void SPACESHIP::FirePrimary(ORVLEVEL* level)
 {
     if (dying || primaryCooldown >= 1)
         return;
@@ -355,12 +364,14 @@ void SPACESHIP::FirePrimary(ORVLEVEL*)
     for (float side : {-1.0f, 1.0f})
     {
         VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * side);
-        Launch(new LASERSHOT(true, muzzle), muzzle, float(Fibonacci(primaryWeapon + 1)), float(10 * primaryWeapon + 20));
+        auto* shot = new LASERSHOT(true, muzzle);
+        Launch(shot, muzzle, float(Fibonacci(primaryWeapon + 1)), float(10 * primaryWeapon + 20));
+        AddToLevel(level, shot);
     }
     primaryCooldown = (primaryWeapon / 2) * 5 + 10;
 }
 
-void SPACESHIP::FireSecondary(ORVLEVEL*)
+void SPACESHIP::FireSecondary(ORVLEVEL* level)
 {
     if (dying || secondaryCooldown >= 1)
         return;
@@ -370,7 +381,9 @@ void SPACESHIP::FireSecondary(ORVLEVEL*)
         return;
     float s = launchSide ? 1.0f : -1.0f;
     VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * s);
-    Launch(new TEMPEST(true, muzzle), muzzle, 20.0f, 40.0f);
+    auto* missile = new TEMPEST(true, muzzle);
+    Launch(missile, muzzle, 20.0f, 40.0f);
+    AddToLevel(level, missile);
     secondaryCooldown = 20;
     launchSide = !launchSide;
     --tempestCount;

@@ -91,6 +91,6 @@ public:
     const char* SecondaryWeaponName() const;
 
 private:
-    // Sends a new shot or missile off from `muzzle` in the ship's frame.
+    // Readies a new shot or missile at `muzzle` in the ship's frame.
     void Launch(LASERSHOT* shot, VECTOR3D muzzle, float damage, float speed);
 };
