@@ -26,7 +26,6 @@ namespace {
 ORVLEVEL& Full()
 {
     static std::unique_ptr<ORVLEVEL> level = BuildFullLevel();
-    TheLevel = level.get();
     return *level;
 }
 
@@ -38,7 +37,6 @@ ORVLEVEL& FullEverySide()
         TextureEverySide(*l);
         return l;
     }();
-    TheLevel = level.get();
     return *level;
 }
 
@@ -152,7 +150,6 @@ void LoadLevel(benchmark::State& state)
     const std::string path = LevelFile();
     Full().SaveLevel(path.c_str());
     ORVLEVEL level(path.c_str()); // each load replaces a full level, as in the editor
-    TheLevel = &level;
     for (auto _ : state)
         level.LoadLevel(path.c_str());
     state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(std::filesystem::file_size(path)));
@@ -177,7 +174,6 @@ void Deserialize(benchmark::State& state)
 {
     const std::vector<uint8_t> image = Full().Serialize();
     ORVLEVEL level;
-    TheLevel = &level;
     for (auto _ : state)
     {
         state.PauseTiming();

@@ -3,7 +3,7 @@
 // honest uses the same ones.
 #pragma once
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "orvlevel/level.h"
 
 #include <memory>

@@ -4,7 +4,7 @@
 // must give exactly the same results, or the ratios mean nothing.
 #pragma once
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "orvlevel/level.h"
 
 // Point by point: is it a corner of any segment?

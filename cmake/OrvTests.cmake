@@ -1,23 +1,23 @@
-# All core tests build into one GoogleTest program; each subsystem adds its
-# test sources with orv_core_tests(). The tests run from the program directory,
-# where the generated data files are.
+# Each layer has its own GoogleTest program, linked against that layer and the
+# shared test support (the recording platform and the test main) only, so a
+# test cannot reach a layer above the one it tests. The tests run from the
+# program directory, where the generated data files are.
 if(ORV_BUILD_TESTS)
   enable_testing()
   find_package(GTest REQUIRED)
   include(GoogleTest)
-  add_executable(orvcore-tests)
-  target_link_libraries(orvcore-tests PRIVATE orvcore GTest::gtest GTest::gmock)
 endif()
 
-function(orv_core_tests)
-  if(ORV_BUILD_TESTS)
-    target_sources(orvcore-tests PRIVATE ${ARGN})
+# orv_tests(NAME LIBRARY... SOURCES file...)
+function(orv_tests name)
+  if(NOT ORV_BUILD_TESTS)
+    return()
   endif()
-endfunction()
-
-function(orv_finish_tests)
-  add_dependencies(orvcore-tests orvane-data)
-  gtest_discover_tests(orvcore-tests
+  cmake_parse_arguments(T "" "" "LIBRARIES;SOURCES" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBRARIES} orv_testsupport)
+  add_dependencies(${name} orvane-data)
+  gtest_discover_tests(${name}
     WORKING_DIRECTORY ${ORV_BIN_DIR}
     DISCOVERY_TIMEOUT 60
     PROPERTIES ENVIRONMENT "ORV_BIN_DIR=${ORV_BIN_DIR};ORV_SOURCE_DIR=${CMAKE_SOURCE_DIR}")

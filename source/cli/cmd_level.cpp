@@ -9,24 +9,24 @@
 
 int CmdNew(std::span<char* const> args)
 {
-    CURRENTLEVEL level;
-    return SaveLevelFile(*level, args[0]) ? 0 : 1;
+    CLIDOCUMENT doc;
+    return doc.SaveAs(args[0]) ? 0 : 1;
 }
 
 int CmdResave(std::span<char* const> args)
 {
-    CURRENTLEVEL level;
-    if (!LoadLevelFile(*level, args[0]))
+    CLIDOCUMENT doc;
+    if (!doc.Open(args[0]))
         return 1;
-    return SaveLevelFile(*level, args[1]) ? 0 : 1;
+    return doc.SaveAs(args[1]) ? 0 : 1;
 }
 
 int CmdDump(std::span<char* const> args)
 {
-    CURRENTLEVEL level;
-    if (!LoadLevelFile(*level, args[0]))
+    CLIDOCUMENT doc;
+    if (!doc.Open(args[0]))
         return 1;
-    std::string json = DumpLevelJson(*level);
+    std::string json = DumpLevelJson(doc.Level());
     json += '\n';
     std::fwrite(json.data(), 1, json.size(), stdout);
     return std::fflush(stdout) == 0 ? 0 : 1;

@@ -3,7 +3,7 @@
 #include "cli/commands.h"
 #include "cli/levelfiles.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "math/random.h"
 
 #include <charconv>
@@ -41,15 +41,15 @@ int CmdSimulate(std::span<char* const> args)
         }
         SRand(seed);
     }
-    CURRENTLEVEL level;
-    if (!LoadLevelFile(*level, args[0]))
+    CLIDOCUMENT doc;
+    if (!doc.Open(args[0]))
         return 1;
     // The camera stays at its start-up place: it only carries the listener.
     CAMERA camera;
     for (int32_t i = 0; i < ticks; ++i)
     {
-        (*level).GameTick(camera);
-        (*level).PhysicsStep();
+        doc.Level().GameTick(camera);
+        doc.Level().PhysicsStep();
     }
-    return SaveLevelFile(*level, args[2]) ? 0 : 1;
+    return doc.SaveAs(args[2]) ? 0 : 1;
 }

@@ -2,8 +2,8 @@
 
 #include "cli/commands.h"
 #include "cli/levelfiles.h"
-#include "editor/camera.h"
 #include "editor/controller.h"
+#include "math/camera.h"
 #include "math/random.h"
 #include "orvlevel/leveldump.h"
 
@@ -27,12 +27,13 @@ using ARGS = std::span<const std::string_view>;
 
 struct SESSION
 {
-    SESSION(ORVLEVEL& level, std::ostream& out) : Level(level), Out(out) {}
+    explicit SESSION(std::ostream& out) : Out(out) {}
 
-    ORVLEVEL& Level;
+    CLIDOCUMENT Doc;
+    ORVLEVEL& Level = Doc.Level();
     std::ostream& Out;
     CAMERA Camera;
-    ORVEDITOR Editor{Camera};
+    ORVEDITOR Editor{Doc, Camera};
 };
 
 // Ends the script at the line being run.
@@ -116,14 +117,14 @@ double DialogNumber(std::string_view token)
 void DoLoad(SESSION& s, ARGS a)
 {
     std::string path(a[0]);
-    if (!LoadLevelFile(s.Level, path.c_str()))
+    if (!s.Doc.Open(path))
         Failed("cannot load " + path);
 }
 
 void DoSave(SESSION& s, ARGS a)
 {
     std::string path(a[0]);
-    if (!SaveLevelFile(s.Level, path.c_str()))
+    if (!s.Doc.SaveAs(path))
         Failed("cannot save " + path);
 }
 
@@ -306,8 +307,7 @@ void RunLine(SESSION& s, std::string_view line)
 
 int RunScript(std::string_view text, std::string_view name, std::ostream& out, std::ostream& err)
 {
-    CURRENTLEVEL level;
-    SESSION s{*level, out};
+    SESSION s{out};
     size_t number = 0;
     for (size_t pos = 0; pos < text.size();)
     {

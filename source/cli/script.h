@@ -12,7 +12,7 @@
 #include <iosfwd>
 #include <string_view>
 
-// Runs the script over a fresh default level installed as TheLevel, the
+// Runs the script over a fresh default level (a document of its own), the
 // start-up camera and a 640 x 480 view; the trig tables must be ready. `name`
 // names the script in the error lines "orvane-cli run: NAME:LINE: REASON"
 // written to err; "dump -" writes to out; messages and beeps go through the

@@ -7,87 +7,76 @@
 
 #include <cstdlib>
 
-ORVEDITOR::ORVEDITOR(CAMERA& camera) : Camera(camera)
+ORVEDITOR::ORVEDITOR(ORVEDOCUMENT& document, CAMERA& camera) : Document(document), Camera(camera)
 {
+}
+
+namespace {
+
+const ORVECOMMANDENTRY CommandTable[] = {
+    {CM_NEWSEGMENT, [](ORVEDITOR& e) { e.Level().NewSegment(); }},
+    {CM_NEXTPOINT, [](ORVEDITOR& e) { e.Level().NextPointOnSide(); }},
+    {CM_POINTZPLUS, [](ORVEDITOR& e) { e.Level().MovePoint(0, 0, e.PointStep); }},
+    {CM_POINTZMINUS, [](ORVEDITOR& e) { e.Level().MovePoint(0, 0, -e.PointStep); }},
+    {CM_POINTXPLUS, [](ORVEDITOR& e) { e.Level().MovePoint(e.PointStep, 0, 0); }},
+    {CM_POINTXMINUS, [](ORVEDITOR& e) { e.Level().MovePoint(-e.PointStep, 0, 0); }},
+    {CM_POINTYPLUS, [](ORVEDITOR& e) { e.Level().MovePoint(0, e.PointStep, 0); }},
+    {CM_POINTYMINUS, [](ORVEDITOR& e) { e.Level().MovePoint(0, -e.PointStep, 0); }},
+    {CM_RESTORETEXTURE, [](ORVEDITOR& e) { e.Level().RestoreTexture(); }},
+    {CM_JOINMODE, [](ORVEDITOR& e) { e.JoinModeCommand(); }},
+    {CM_APPLYTEXTURE, [](ORVEDITOR& e) { e.Level().ApplyTexture(); }},
+    {CM_DELETESEGMENT, [](ORVEDITOR& e) { e.Level().DeleteCurrentSegment(); }},
+    {CM_CLEARSIDETEXTURE, [](ORVEDITOR& e) { e.Level().ClearSideTexture(); }},
+    {CM_CALCULATELIGHTING, [](ORVEDITOR& e) { e.Level().CalculateLighting(); }},
+    {CM_DELETENEARESTLIGHT, [](ORVEDITOR& e) { e.Level().DeleteNearestLight(e.Camera.Position); }},
+    {CM_FULLBRIGHTNESS, [](ORVEDITOR& e) { e.Level().FullBrightness(); }},
+    {CM_ENEMYSHIP, [](ORVEDITOR& e) { e.PlaceEnemyShip(); }},
+    {CM_STARTPOINT, [](ORVEDITOR& e) { e.PlaceStartPoint(); }},
+    {CM_DELETENEARESTSPECPOINT, [](ORVEDITOR& e) { e.Level().DeleteNearestSpecPoint(e.Camera.Position); }},
+    {CM_DELETENEARESTTHING, [](ORVEDITOR& e) { e.Level().DeleteNearestThing(e.Camera.Position); }},
+    {CM_SHIELDBONUS, [](ORVEDITOR& e) { e.PlaceItem<P_SHIELD>(); }},
+    {CM_ENERGYBONUS, [](ORVEDITOR& e) { e.PlaceItem<P_ENERGY>(); }},
+    {CM_TEMPESTPICKUP, [](ORVEDITOR& e) { e.PlaceItem<P_TEMPEST>(); }},
+    {CM_LASERBOOST, [](ORVEDITOR& e) { e.PlaceItem<P_LASERBOOST>(); }},
+    {CM_SHIPLEVEL, [](ORVEDITOR& e) { e.PlaceItem<P_SHIPLEVEL>(); }},
+    {CM_FITMODE, [](ORVEDITOR& e) { e.FitModeCommand(); }},
+};
+
+const ORVECOMMANDENTRY* FindCommand(int id)
+{
+    for (const ORVECOMMANDENTRY& c : CommandTable)
+        if (c.Id == id)
+            return &c;
+    return nullptr;
+}
+
+} // namespace
+
+std::span<const ORVECOMMANDENTRY> ORVEDITOR::Commands()
+{
+    return CommandTable;
 }
 
 bool ORVEDITOR::HasCommand(int id)
 {
-    switch (id)
-    {
-    case CM_NEWSEGMENT:
-    case CM_NEXTPOINT:
-    case CM_POINTZPLUS:
-    case CM_POINTZMINUS:
-    case CM_POINTXPLUS:
-    case CM_POINTXMINUS:
-    case CM_POINTYPLUS:
-    case CM_POINTYMINUS:
-    case CM_RESTORETEXTURE:
-    case CM_JOINMODE:
-    case CM_APPLYTEXTURE:
-    case CM_DELETESEGMENT:
-    case CM_CLEARSIDETEXTURE:
-    case CM_CALCULATELIGHTING:
-    case CM_DELETENEARESTLIGHT:
-    case CM_FULLBRIGHTNESS:
-    case CM_STARTPOINT:
-    case CM_DELETENEARESTSPECPOINT:
-    case CM_FITMODE:
-    case CM_ENEMYSHIP:
-    case CM_DELETENEARESTTHING:
-    case CM_SHIELDBONUS:
-    case CM_ENERGYBONUS:
-    case CM_TEMPESTPICKUP:
-    case CM_LASERBOOST:
-    case CM_SHIPLEVEL:
-        return true;
-    default:
-        return false;
-    }
+    return FindCommand(id) != nullptr;
 }
 
 bool ORVEDITOR::Command(int id)
 {
-    ORVLEVEL& level = *TheLevel;
-    switch (id)
-    {
-    case CM_NEWSEGMENT: level.NewSegment(); break;
-    case CM_NEXTPOINT: level.NextPointOnSide(); break;
-    case CM_POINTZPLUS: level.MovePoint(0, 0, PointStep); break;
-    case CM_POINTZMINUS: level.MovePoint(0, 0, -PointStep); break;
-    case CM_POINTXPLUS: level.MovePoint(PointStep, 0, 0); break;
-    case CM_POINTXMINUS: level.MovePoint(-PointStep, 0, 0); break;
-    case CM_POINTYPLUS: level.MovePoint(0, PointStep, 0); break;
-    case CM_POINTYMINUS: level.MovePoint(0, -PointStep, 0); break;
-    case CM_RESTORETEXTURE: level.RestoreTexture(); break;
-    case CM_JOINMODE: JoinModeCommand(); break;
-    case CM_APPLYTEXTURE: level.ApplyTexture(); break;
-    case CM_DELETESEGMENT: level.DeleteCurrentSegment(); break;
-    case CM_CLEARSIDETEXTURE: level.ClearSideTexture(); break;
-    case CM_CALCULATELIGHTING: level.CalculateLighting(); break;
-    case CM_DELETENEARESTLIGHT: level.DeleteNearestLight(Camera.Position); break;
-    case CM_FULLBRIGHTNESS: level.FullBrightness(); break;
-    case CM_STARTPOINT:
-    {
-        SPECPOINT start;
-        start.Position = Camera.Position;
-        start.Type = 0; // single-player start
-        level.Add(start);
-        break;
-    }
-    case CM_DELETENEARESTSPECPOINT: level.DeleteNearestSpecPoint(Camera.Position); break;
-    case CM_FITMODE: FitModeCommand(); break;
-    case CM_ENEMYSHIP: PlaceEnemyShip(); break;
-    case CM_DELETENEARESTTHING: level.DeleteNearestThing(Camera.Position); break;
-    case CM_SHIELDBONUS: PlaceItem<P_SHIELD>(); break;
-    case CM_ENERGYBONUS: PlaceItem<P_ENERGY>(); break;
-    case CM_TEMPESTPICKUP: PlaceItem<P_TEMPEST>(); break;
-    case CM_LASERBOOST: PlaceItem<P_LASERBOOST>(); break;
-    case CM_SHIPLEVEL: PlaceItem<P_SHIPLEVEL>(); break;
-    default: return false;
-    }
+    const ORVECOMMANDENTRY* c = FindCommand(id);
+    if (!c)
+        return false;
+    c->Run(*this);
     return true;
+}
+
+void ORVEDITOR::PlaceStartPoint()
+{
+    SPECPOINT start;
+    start.Position = Camera.Position;
+    start.Type = 0; // single-player start
+    Level().Add(start);
 }
 
 void ORVEDITOR::PlaceEnemyShip()
@@ -102,14 +91,14 @@ void ORVEDITOR::PlaceEnemyShip()
     ship->team = 3;
     ship->target = -1;
     ship->goal = ship->position;
-    HandToLevel(ship);
+    HandToLevel(&Level(), ship);
 }
 
 template <class ITEM>
 void ORVEDITOR::PlaceItem()
 {
     // Items sit at the camera but world-aligned, whatever the view's roll.
-    HandToLevel(new ITEM(Camera.Position, VECTOR3D(1, 0, 0), VECTOR3D(0, 1, 0), VECTOR3D(0, 0, 1)));
+    HandToLevel(&Level(), new ITEM(Camera.Position, VECTOR3D(1, 0, 0), VECTOR3D(0, 1, 0), VECTOR3D(0, 0, 1)));
 }
 
 void ORVEDITOR::JoinModeCommand()
@@ -119,7 +108,7 @@ void ORVEDITOR::JoinModeCommand()
         JoinMode = false;
         return;
     }
-    if (!TheLevel->GetCurrentSide())
+    if (!Level().GetCurrentSide())
     {
         InfoBeep();
         return;
@@ -132,7 +121,7 @@ void ORVEDITOR::FitModeCommand()
 {
     if (FitMode)
         FitMode = false;
-    else if (TheLevel->GetCurrentSide())
+    else if (Level().GetCurrentSide())
         FitMode = true;
     else
         InfoBeep();
@@ -140,7 +129,7 @@ void ORVEDITOR::FitModeCommand()
 
 void ORVEDITOR::LeftClick(int x, int y)
 {
-    ORVLEVEL& level = *TheLevel;
+    ORVLEVEL& level = Level();
     if (JoinMode)
     {
         if (level.JoinWithPicked(x, y, Camera, ClientWidth, ClientHeight, JoinShift))

@@ -4,10 +4,12 @@
 // level through this one object; dialogs stay with the caller.
 #pragma once
 
-#include "editor/camera.h"
+#include "editor/document.h"
+#include "math/camera.h"
 
 #include <cstdint>
 #include <functional>
+#include <span>
 
 // Command ids of the menu.
 enum ORVECOMMAND
@@ -55,11 +57,24 @@ enum ORVECOMMAND
     CM_FITMODE = 11882,
 };
 
+class ORVEDITOR;
+
+// One command of the table: its menu id and what it does.
+struct ORVECOMMANDENTRY
+{
+    int Id;
+    void (*Run)(ORVEDITOR& editor);
+};
+
 class ORVEDITOR
 {
 public:
-    // The camera is the view's; the level is always TheLevel.
-    explicit ORVEDITOR(CAMERA& camera);
+    // The camera is the view's; the level is the document's.
+    ORVEDITOR(ORVEDOCUMENT& document, CAMERA& camera);
+
+    ORVEDOCUMENT& Document;
+    CAMERA& Camera;
+    ORVLEVEL& Level() { return Document.Level(); }
 
     // Distance of one point-move command.
     const float PointStep = 1.0f;
@@ -76,8 +91,10 @@ public:
     // taken as confirmed with its default entry.
     std::function<int32_t()> JoinDialog;
 
-    // Whether the table has the command (the Qt shell enables menu items by
-    // this); dialog and file commands are the shell's own.
+    // The commands that act on the level directly, in id order. The menu
+    // enables an item by whether it is here or a command of the shell's own
+    // (dialogs and files).
+    static std::span<const ORVECOMMANDENTRY> Commands();
     static bool HasCommand(int id);
     // Runs a command of the table; false (and nothing done) for any other id.
     bool Command(int id);
@@ -88,7 +105,6 @@ public:
     // as a C long (a text that is no number reads as 0).
     static int32_t ShiftFromEntry(const char* text);
 
-private:
     void JoinModeCommand();
     void FitModeCommand();
     // Object placement at the camera; the level owns the object, or it is
@@ -96,6 +112,5 @@ private:
     void PlaceEnemyShip();
     template <class ITEM>
     void PlaceItem();
-
-    CAMERA& Camera;
+    void PlaceStartPoint();
 };

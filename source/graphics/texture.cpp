@@ -1,21 +1,13 @@
 #include "graphics/texture.h"
 #include "graphics/bitmap.h"
+#include "graphics/drawing.h"
 
 #include <cstring>
 
-namespace {
-TEXTUREBACKEND* Backend = nullptr;
-}
-
-void SetTextureBackend(TEXTUREBACKEND* backend)
-{
-    Backend = backend;
-}
-
 TEXTURE::TEXTURE(const char* fileName)
 {
-    if (Backend)
-        GLName = Backend->Create(fileName);
+    if (Drawing().CreateTexture)
+        GLName = Drawing().CreateTexture(fileName);
     else
         CheckBitmapFile(fileName);
     std::strncpy(FileName, fileName, TEXTURE_NAME_SIZE - 1);
@@ -24,12 +16,12 @@ TEXTURE::TEXTURE(const char* fileName)
 
 TEXTURE::~TEXTURE()
 {
-    if (Backend)
-        Backend->Destroy(GLName);
+    if (Drawing().DeleteTexture)
+        Drawing().DeleteTexture(GLName);
 }
 
 void TEXTURE::Bind()
 {
-    if (Backend)
-        Backend->Bind(GLName);
+    if (Drawing().BindTexture)
+        Drawing().BindTexture(GLName);
 }

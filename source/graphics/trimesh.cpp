@@ -1,18 +1,17 @@
 #include "graphics/trimesh.h"
+#include "graphics/drawing.h"
 #include "math/geometry.h"
+#include "platform/fileio.h"
 #include "platform/platform.h"
-
-#include <sys/stat.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <vector>
 
 namespace {
-
-TRIMESHDRAWHOOK DrawHook = nullptr;
 
 [[noreturn]] void OutOfMemory()
 {
@@ -42,11 +41,10 @@ void DeleteTable(T** table, int n)
 // a size field that runs past the end is cut short instead of read blindly.
 struct LWOFILE
 {
-    uint8_t* Data = nullptr;
+    std::vector<uint8_t> Bytes;
+    const uint8_t* Data = nullptr;
     uint32_t Size = 0;
     uint32_t Pos = 0;
-
-    ~LWOFILE() { delete[] Data; }
 
     bool Has(uint32_t n) const { return Pos <= Size && Size - Pos >= n; }
     bool IdAt(uint32_t at, const char* id) const { return std::memcmp(Data + at, id, 4) == 0; }
@@ -71,25 +69,13 @@ float F32(const uint8_t* p)
 }
 
 // Loads the file; false when it cannot be opened as a regular file.
-bool ReadWholeFile(const char* file, LWOFILE& f)
+bool ReadMeshFile(const char* file, LWOFILE& f)
 {
-    FILE* fp = std::fopen(file, "rb");
-    if (!fp)
+    if (!ReadWholeFile(file, f.Bytes))
         return false;
-    struct stat info;
-    if (fstat(fileno(fp), &info) != 0 || !S_ISREG(info.st_mode)) {
-        std::fclose(fp);
-        return false;
-    }
     // Bigger files are cut at 4 GB; no mesh comes near that.
-    uint32_t size = info.st_size > 0xFFFFFFFFLL ? 0xFFFFFFFFu : uint32_t(info.st_size);
-    f.Data = new (std::nothrow) uint8_t[size ? size : 1];
-    if (!f.Data) {
-        std::fclose(fp);
-        OutOfMemory();
-    }
-    f.Size = uint32_t(std::fread(f.Data, 1, size, fp));
-    std::fclose(fp);
+    f.Size = f.Bytes.size() > 0xFFFFFFFFu ? 0xFFFFFFFFu : uint32_t(f.Bytes.size());
+    f.Data = f.Bytes.data();
     return true;
 }
 
@@ -188,11 +174,6 @@ void ReadSurface(const uint8_t* data, uint32_t size, const uint8_t* srfs, const 
 
 } // namespace
 
-void SetTrimeshDrawHook(TRIMESHDRAWHOOK hook)
-{
-    DrawHook = hook;
-}
-
 TRIMESH::TRIMESH(const char* file, float scale)
 {
     vertices = NewTable<VECTOR3D>(TRIMESH_MAX_VERTICES);
@@ -216,7 +197,7 @@ TRIMESH::~TRIMESH()
 void TRIMESH::Load(const char* file, float scale)
 {
     LWOFILE f;
-    if (!ReadWholeFile(file, f))
+    if (!ReadMeshFile(file, f))
         FatalMessage(std::string(file) + " nem található!", "FATAL!", MSGICON_NONE, 0);
 
     if (!f.Has(4) || !f.IdAt(0, "FORM")) {
@@ -320,8 +301,8 @@ void TRIMESH::AddTriangle(TRIANGLE t)
 
 void TRIMESH::Draw(VECTOR3D P, VECTOR3D Z, VECTOR3D Y, VECTOR3D X, int32_t flag, VECTOR3D ambient)
 {
-    if (DrawHook)
-        DrawHook(this, P, Z, Y, X, flag, ambient);
+    if (Drawing().DrawMesh)
+        Drawing().DrawMesh(*this, P, Z, Y, X, flag, ambient);
 }
 
 void TRIMESH::GetBounds(float* minX, float* maxX, float* minY, float* maxY, float* minZ, float* maxZ,

@@ -1,7 +1,7 @@
 // Triangle meshes read from LightWave object files (IFF "LWOB", big-endian).
 // Every visible game object is drawn from one. The core only reads and keeps
-// the mesh; the drawing layer installs the hook that compiles and calls the
-// display list.
+// the mesh; drawing goes through the drawing seam, which compiles and calls
+// the display list.
 #pragma once
 
 #include "math/vector3d.h"
@@ -20,16 +20,6 @@ struct TRIANGLE
     VECTOR3D normal;                  // set when the triangle is added
     int32_t surface = 0;              // index into the colour table
 };
-
-class TRIMESH;
-
-// Draws a mesh with its model origin at P and its model x, y, z axes along
-// X, Y, Z under the global ambient colour. Installed by the drawing layer.
-using TRIMESHDRAWHOOK = void (*)(TRIMESH* mesh, VECTOR3D P, VECTOR3D Z, VECTOR3D Y, VECTOR3D X,
-                                 int32_t flag, VECTOR3D ambient);
-
-// Installs the drawer; null removes it (then Draw does nothing).
-void SetTrimeshDrawHook(TRIMESHDRAWHOOK hook);
 
 class TRIMESH
 {

@@ -1,5 +1,5 @@
 #include "orvlevel/level.h"
-#include "orvlevel/newordie.h"
+#include "platform/newordie.h"
 
 #include "graphics/texture.h"
 #include "math/geometry.h"
@@ -209,6 +209,7 @@ void ORVLEVEL::Clear()
     delete InvisibleSideTexture;
     InvisibleSideTexture = nullptr;
     FileName.reset();
+    Changed();
 }
 
 // ---------------------------------------------------------------------------
@@ -221,6 +222,7 @@ int32_t ORVLEVEL::Add(VECTOR3D p)
         return -1;
     Points[i] = NewOrDie<VECTOR3D>("ORVLEVEL::Add(VECTOR3D): not enough mem.", p);
     FreeHint[TABLE_POINTS] = i + 1;
+    Changed();
     return i;
 }
 
@@ -233,6 +235,7 @@ int32_t ORVLEVEL::Add(const SEGMENT* s)
         return -1;
     Segments[i] = NewOrDie<SEGMENT>("Add(SEGMENT*): not enough mem.", *s);
     FreeHint[TABLE_SEGMENTS] = i + 1;
+    Changed();
     return i;
 }
 
@@ -245,6 +248,7 @@ int32_t ORVLEVEL::Add(const char* textureFile)
         return -1;
     Textures[i] = NewOrDie<TEXTURE>("ORVLEVEL::Add(const char*): not enough mem.", textureFile);
     FreeHint[TABLE_TEXTURES] = i + 1;
+    Changed();
     return i;
 }
 
@@ -255,6 +259,7 @@ int32_t ORVLEVEL::Add(STATICLIGHT l)
         return -1;
     Lights[i] = NewOrDie<STATICLIGHT>("ORVLEVEL::Add(STATICLIGHT): not enough mem.", l);
     FreeHint[TABLE_LIGHTS] = i + 1;
+    Changed();
     return i;
 }
 
@@ -265,6 +270,7 @@ int32_t ORVLEVEL::Add(SPECPOINT sp)
         return -1;
     SpecPoints[i] = NewOrDie<SPECPOINT>("ORVLEVEL::Add(SPECPOINT): not enough mem.", sp);
     FreeHint[TABLE_SPECPOINTS] = i + 1;
+    Changed();
     return i;
 }
 
@@ -277,6 +283,8 @@ int32_t ORVLEVEL::AddThing(THING* t)
         return -1;
     Things[i] = t;
     FreeHint[TABLE_THINGS] = i + 1;
+    t->Level = this;
+    Changed();
     t->oldPosition = t->position;
     t->oldAxisX = t->axisX;
     t->oldAxisY = t->axisY;
@@ -294,6 +302,7 @@ void ORVLEVEL::DeletePoint(int32_t index)
     delete Points[index];
     Points[index] = nullptr;
     SlotFreed(TABLE_POINTS, index);
+    Changed();
 }
 
 void ORVLEVEL::RemoveUnusedPoints()
@@ -322,6 +331,7 @@ void ORVLEVEL::DeleteTexture(int32_t index)
     delete Textures[index];
     Textures[index] = nullptr;
     SlotFreed(TABLE_TEXTURES, index);
+    Changed();
 }
 
 int32_t ORVLEVEL::TextureIndexAt(int32_t position) const
@@ -372,6 +382,7 @@ void ORVLEVEL::DeleteNearestLight(VECTOR3D from)
     delete Lights[found];
     Lights[found] = nullptr;
     SlotFreed(TABLE_LIGHTS, found);
+    Changed();
 }
 
 void ORVLEVEL::DeleteNearestSpecPoint(VECTOR3D from)
@@ -396,6 +407,7 @@ void ORVLEVEL::DeleteNearestSpecPoint(VECTOR3D from)
     delete SpecPoints[found];
     SpecPoints[found] = nullptr;
     SlotFreed(TABLE_SPECPOINTS, found);
+    Changed();
 }
 
 void ORVLEVEL::DeleteNearestThing(VECTOR3D from)
@@ -422,6 +434,7 @@ void ORVLEVEL::DeleteNearestThing(VECTOR3D from)
     delete Things[found];
     Things[found] = nullptr;
     SlotFreed(TABLE_THINGS, found);
+    Changed();
 }
 
 // ---------------------------------------------------------------------------
@@ -530,6 +543,7 @@ void ORVLEVEL::SetCurrentTexCoords(const TEXPAIR coords[4])
         return;
     for (int k = 0; k < 4; ++k)
         side->TexCoords[k] = coords[k];
+    Changed();
 }
 
 void ORVLEVEL::SelectTextureAt(int32_t position)
@@ -542,13 +556,19 @@ void ORVLEVEL::SelectTextureAt(int32_t position)
 void ORVLEVEL::ApplyTexture()
 {
     if (SIDE* side = GetCurrentSide())
+    {
         side->Texture = CurrentTexture;
+        Changed();
+    }
 }
 
 void ORVLEVEL::ClearSideTexture()
 {
     if (SIDE* side = GetCurrentSide())
+    {
         side->Texture = -1;
+        Changed();
+    }
 }
 
 void ORVLEVEL::NextPointOnSide()
@@ -689,6 +709,7 @@ void ORVLEVEL::OpenDoor(int32_t segment, int32_t side)
         d->Door.State = DOOR_OPENING;
         if (partner)
             partner->Door.State = DOOR_OPENING;
+        Changed();
     }
 }
 
@@ -696,6 +717,7 @@ void ORVLEVEL::UpdateDoors()
 {
     if (!Segments)
         return;
+    Changed();
     for (int s = 0; s < MAX_SEGMENTS; ++s)
     {
         SEGMENT* seg = Segments[s];

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -99,6 +100,20 @@ struct SPECPOINT
     int32_t Type = 0; // 0: single-player start
 };
 
+// A class of game object the level reader can build from a stored class
+// name: the name, the record size the file must give, and a constructor.
+struct THINGCLASS
+{
+    const char* Name;
+    int32_t Size;
+    THING* (*Construct)();
+};
+
+// The classes the level reader tries, in order. None until the game objects
+// register theirs, so without them every object record is an undefined thing.
+void SetThingClasses(std::span<const THINGCLASS> classes);
+std::span<const THINGCLASS> ThingClasses();
+
 // The corner slots of side i, for side corners 0 ... 3.
 extern const int SideCorners[6][4];
 // The side opposite side i.
@@ -127,6 +142,13 @@ public:
     int32_t SparkCountdown = 0;
     bool ListBuilt = false;
     uint32_t DisplayList = 0;
+
+    // Advances with every change to what the level holds (not with selection
+    // changes): loading, every editing operation, lighting, the game tick.
+    // A refused operation leaves it alone. Whoever changes the level's fields
+    // directly (a dialog) calls Changed().
+    uint64_t Revision = 0;
+    void Changed() { ++Revision; }
 
     // Builds the default level, then loads the file if a name is given.
     explicit ORVLEVEL(const char* fileName = "");
@@ -286,13 +308,14 @@ public:
     int32_t DoorSlideEdge(int32_t segment, int32_t side) const;
     VECTOR3D DoorOffset(int32_t segment, int32_t side) const;
 
-    // Level files.
-    void SaveLevel(const char* fileName);
-    void Save();
-    void LoadLevel(const char* fileName);
+    // Level files. False (after the designed message) when the file could not
+    // be written or read; a failed load leaves the level as it was.
+    bool SaveLevel(const char* fileName);
+    bool Save();
+    bool LoadLevel(const char* fileName);
 
     // The whole file image SaveLevel writes, without touching FileName.
-    std::vector<uint8_t> Serialize();
+    std::vector<uint8_t> Serialize() const;
     // Reads a file image over a cleared level (the body of LoadLevel).
     void Deserialize(const uint8_t* data, size_t size);
 
@@ -374,7 +397,21 @@ private:
 // The level every command, dialog and game object works on.
 extern ORVLEVEL* TheLevel;
 
-// Hands a new object to the current level, which owns it from then on; when
-// there is no level or its table is full the object is destroyed at once
-// (its destructor's own new objects are handed on the same way).
-void HandToLevel(THING* t);
+// Hands a new object to a level, which owns it from then on; when there is no
+// level or its table is full the object is destroyed at once (its
+// destructor's own new objects are handed on the same way).
+void HandToLevel(ORVLEVEL* level, THING* t);
+
+// Installs a level as TheLevel for the guard's lifetime and then puts back
+// whatever was there before.
+class SCOPEDLEVEL
+{
+public:
+    explicit SCOPEDLEVEL(ORVLEVEL* level) : Previous(TheLevel) { TheLevel = level; }
+    ~SCOPEDLEVEL() { TheLevel = Previous; }
+    SCOPEDLEVEL(const SCOPEDLEVEL&) = delete;
+    SCOPEDLEVEL& operator=(const SCOPEDLEVEL&) = delete;
+
+private:
+    ORVLEVEL* Previous;
+};

@@ -2,7 +2,7 @@
 // joining and deleting segments, moving points and placing textures.
 #include "orvlevel/level.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "math/geometry.h"
 #include "platform/platform.h"
 
@@ -159,6 +159,7 @@ void ORVLEVEL::NewSegment()
     cur.Neighbours[CurrentSide] = m;
     side->Texture = -1;
     side->WallType = WALL_PASSABLE;
+    Changed();
 }
 
 // ---------------------------------------------------------------------------
@@ -189,6 +190,7 @@ bool ORVLEVEL::JoinSides(int32_t a, int32_t sideA, int32_t b, int32_t sideB, int
     sa->WallType = WALL_PASSABLE;
     A.Neighbours[sideA] = b;
     RemoveUnusedPoints();
+    Changed();
     return true;
 }
 
@@ -241,6 +243,7 @@ bool ORVLEVEL::FitTexture(int32_t a, int32_t sideA, int32_t b, int32_t sideB)
     CalcTexCoordsFromEdge(work, points, 4, known[0], known[1]);
     for (int j = 0; j < 4; ++j)
         sb->TexCoords[j] = work[j];
+    Changed();
     return true;
 }
 
@@ -268,6 +271,7 @@ void ORVLEVEL::Unlink(int32_t index, int32_t side)
         return;
     S.Neighbours[side] = -1;
     d->WallType = WALL_NORMAL;
+    Changed();
     // A link into an empty or impossible slot has no other end to clear.
     SEGMENT* N = SegmentAt(n);
     if (!N)
@@ -291,6 +295,7 @@ void ORVLEVEL::DeleteSegment(int32_t index)
     delete s;
     Segments[index] = nullptr;
     SlotFreed(TABLE_SEGMENTS, index);
+    Changed();
     RemoveUnusedPoints();
 }
 
@@ -307,7 +312,10 @@ void ORVLEVEL::DeleteCurrentSegment()
 void ORVLEVEL::MovePoint(float dx, float dy, float dz)
 {
     if (VECTOR3D* p = GetCurrentPointPtr())
+    {
         *p += VECTOR3D(dx, dy, dz);
+        Changed();
+    }
 }
 
 void ORVLEVEL::RestoreTexture()
@@ -318,6 +326,7 @@ void ORVLEVEL::RestoreTexture()
         return;
     VECTOR3D c[4] = {corners[0], corners[1], corners[2], corners[3]};
     TexCoordsFromCorners(side->TexCoords, c, 4, RESTORE_SCALE);
+    Changed();
 }
 
 void ORVLEVEL::TexCoordsFromCorners(TEXPAIR* pairs, const VECTOR3D* c, int n, float scale)

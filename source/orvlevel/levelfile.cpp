@@ -1,14 +1,14 @@
 // Level files: "ORVLEVEL\0", the 30-byte name, then one section per table,
 // each a run of records keyed by their table index and closed by -1.
 #include "orvlevel/level.h"
-#include "orvlevel/newordie.h"
+#include "platform/newordie.h"
 
 #include "graphics/texture.h"
-#include "orvlevel/binio.h"
+#include "platform/binio.h"
 #include "platform/cp1250.h"
+#include "platform/fileio.h"
 #include "platform/platform.h"
 #include "things/thing.h"
-#include "things/thingclasses.h"
 
 #include <cerrno>
 #include <climits>
@@ -19,13 +19,19 @@
 #include <span>
 #include <string>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+namespace {
+std::span<const THINGCLASS> RegisteredClasses;
+} // namespace
 
-// The class list the reader consults. Tests point it elsewhere to load
-// classes the game has not registered.
-std::span<const THINGCLASS> (*LevelReaderClasses)() = ReaderClassList;
+void SetThingClasses(std::span<const THINGCLASS> classes)
+{
+    RegisteredClasses = classes;
+}
+
+std::span<const THINGCLASS> ThingClasses()
+{
+    return RegisteredClasses;
+}
 
 namespace {
 
@@ -95,102 +101,6 @@ std::string Printf(const char* pattern, ARGS... args)
 
 
 // ---------------------------------------------------------------------------
-// Whole-file reading and writing
-
-// Reads a regular file completely; false when it cannot be opened or read.
-bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
-{
-    int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    struct stat st;
-    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-    if (ok)
-    {
-        try
-        {
-            out.resize(size_t(st.st_size));
-        }
-        catch (const std::bad_alloc&)
-        {
-            ok = false;
-        }
-    }
-    size_t done = 0;
-    while (ok && done < out.size())
-    {
-        ssize_t n = read(fd, out.data() + done, out.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            ok = false; // a file that shrank under us is as unreadable as one that failed
-        else
-            done += size_t(n);
-    }
-    close(fd);
-    return ok;
-}
-
-bool WriteAll(int fd, const uint8_t* data, size_t size)
-{
-    while (size > 0)
-    {
-        ssize_t n = write(fd, data, size);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        data += n;
-        size -= size_t(n);
-    }
-    return true;
-}
-
-// Writes the bytes to a new file beside the target and renames it over the
-// target, so the previous file survives any failure. A symbolic link is
-// followed, so the link itself stays.
-bool ReplaceFile(const std::string& name, const std::vector<uint8_t>& bytes)
-{
-    if (name.empty())
-        return false;
-    std::string target = name;
-    struct stat st;
-    if (lstat(target.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
-    {
-        char resolved[PATH_MAX];
-        if (realpath(target.c_str(), resolved))
-            target = resolved;
-    }
-    mode_t mode;
-    if (stat(target.c_str(), &st) == 0)
-    {
-        if (!S_ISREG(st.st_mode))
-            return false;
-        mode = st.st_mode & 07777;
-    }
-    else
-    {
-        mode_t mask = umask(0);
-        umask(mask);
-        mode = 0666 & ~mask;
-    }
-
-    size_t slash = target.rfind('/');
-    std::string dir = slash == std::string::npos ? "./" : target.substr(0, slash + 1);
-    std::string temp = dir + ".orvsave-XXXXXX";
-    int fd = mkstemp(temp.data());
-    if (fd < 0)
-        return false;
-    bool ok = WriteAll(fd, bytes.data(), bytes.size());
-    ok = fchmod(fd, mode) == 0 && ok;
-    ok = close(fd) == 0 && ok;
-    ok = ok && rename(temp.c_str(), target.c_str()) == 0;
-    if (!ok)
-        unlink(temp.c_str());
-    return ok;
-}
-
-// ---------------------------------------------------------------------------
 // Writing
 
 void WriteSide(BINWRITER& w, const SIDE& s)
@@ -212,9 +122,11 @@ void WriteSide(BINWRITER& w, const SIDE& s)
     w.I32(s.Door.SlideEdge);
 }
 
+// A segment is always written in the present layout, whatever size it was
+// read with.
 void WriteSegment(BINWRITER& w, const SEGMENT& s)
 {
-    w.U32(s.RecordSize);
+    w.U32(SEGMENT_RECORD_SIZE);
     for (int32_t n : s.Neighbours)
         w.I32(n);
     for (int32_t c : s.Corners)
@@ -429,7 +341,7 @@ private:
 
     void ReadThings()
     {
-        const std::span<const THINGCLASS> classes = LevelReaderClasses();
+        const std::span<const THINGCLASS> classes = RegisteredClasses;
         int32_t index;
         bool first = true;
         while (NextIndex(index, L.Things, MAX_THINGS, first, SECTION_THINGS))
@@ -471,6 +383,7 @@ private:
             // Stay in step with the file whatever the class read.
             In.Pos = start + body;
             L.Things[index] = t;
+            t->Level = &L;
             t->AfterLoad();
         }
     }
@@ -511,7 +424,7 @@ private:
 
 // ---------------------------------------------------------------------------
 
-std::vector<uint8_t> ORVLEVEL::Serialize()
+std::vector<uint8_t> ORVLEVEL::Serialize() const
 {
     const int points = CountOf(Points, MAX_POINTS);
     const int segments = CountOf(Segments, MAX_SEGMENTS);
@@ -541,7 +454,6 @@ std::vector<uint8_t> ORVLEVEL::Serialize()
     for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
         if (Segments[i])
         {
-            Segments[i]->RecordSize = SEGMENT_RECORD_SIZE;
             w.I32(i);
             WriteSegment(w, *Segments[i]);
         }
@@ -596,13 +508,14 @@ void ORVLEVEL::Deserialize(const uint8_t* data, size_t size)
             FatalMessage(MSG_NOMEM_TABLES);
         }
     }
+    Changed();
     LEVELREADER(*this, data, size).Run();
     delete InvisibleSideTexture;
     InvisibleSideTexture = nullptr;
     InvisibleSideTexture = NewOrDie<TEXTURE>(MSG_NOMEM_LOAD, "InvSide.bmp");
 }
 
-void ORVLEVEL::SaveLevel(const char* fileName)
+bool ORVLEVEL::SaveLevel(const char* fileName)
 {
     std::vector<uint8_t> image;
     try
@@ -614,19 +527,25 @@ void ORVLEVEL::SaveLevel(const char* fileName)
     {
         FatalMessage(MSG_NOMEM_SAVE);
     }
-    if (!ReplaceFile(*FileName, image))
-        ShowMessage(Format(MSG_CANNOT_SAVE, *FileName), MSG_CAPTION, MSGICON_STOP);
+    // The memory copy now holds what the file holds.
+    for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
+        if (Segments[i])
+            Segments[i]->RecordSize = SEGMENT_RECORD_SIZE;
+    if (ReplaceFile(*FileName, image.data(), image.size()))
+        return true;
+    ShowMessage(Format(MSG_CANNOT_SAVE, *FileName), MSG_CAPTION, MSGICON_STOP);
+    return false;
 }
 
-void ORVLEVEL::Save()
+bool ORVLEVEL::Save()
 {
     if (!FileName)
-        return;
+        return false;
     std::string name = *FileName; // SaveLevel replaces FileName
-    SaveLevel(name.c_str());
+    return SaveLevel(name.c_str());
 }
 
-void ORVLEVEL::LoadLevel(const char* fileName)
+bool ORVLEVEL::LoadLevel(const char* fileName)
 {
     std::string name = fileName ? fileName : "";
     std::vector<uint8_t> image;
@@ -634,7 +553,7 @@ void ORVLEVEL::LoadLevel(const char* fileName)
     if (!ReadWholeFile(name, image))
     {
         ShowMessage(Format(MSG_CANNOT_READ, name), MSG_CAPTION, MSGICON_STOP);
-        return;
+        return false;
     }
     Clear();
     try
@@ -654,4 +573,5 @@ void ORVLEVEL::LoadLevel(const char* fileName)
         FatalMessage(MSG_NOMEM_LOAD);
     }
     Deserialize(image.data(), image.size());
+    return true;
 }

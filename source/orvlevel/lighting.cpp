@@ -206,6 +206,7 @@ void ORVLEVEL::CalculateLighting()
     for (std::thread& w : workers)
         if (w.joinable())
             w.join();
+    Changed();
 }
 
 void ORVLEVEL::FullBrightness()
@@ -217,6 +218,7 @@ void ORVLEVEL::FullBrightness()
             for (SIDE& side : seg->Sides)
                 for (VECTOR3D& colour : side.Colours)
                     colour = VECTOR3D(1, 1, 1);
+    Changed();
 }
 
 VECTOR3D ORVLEVEL::SegmentColour(const SEGMENT& s) const

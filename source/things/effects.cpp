@@ -1,19 +1,17 @@
 #include "things/effects.h"
 
+#include "graphics/drawing.h"
 #include "graphics/trimesh.h"
 #include "orvlevel/level.h"
 #include "platform/platform.h"
 #include "sound/buffer.h"
 #include "sound/source.h"
 #include "things/spaceship.h"
-#include "things/thingdraw.h"
 #include "things/thingmeshes.h"
 
 #include <cmath>
 #include <new>
 #include <typeinfo>
-
-TEXTURE* ExplosionTexture = nullptr;
 
 namespace {
 
@@ -38,11 +36,13 @@ void DrawAlongFlight(const THING& t, TRIMESH* mesh, VECTOR3D colour)
 
 } // namespace
 
-VECTOR3D SegmentAmbient(int32_t segment)
+VECTOR3D SegmentAmbient(const THING& t)
 {
-    if (segment < 0 || segment >= MAX_SEGMENTS || !TheLevel || !TheLevel->Segments || !TheLevel->Segments[segment])
+    const ORVLEVEL* level = t.Level;
+    int32_t segment = t.segment;
+    if (segment < 0 || segment >= MAX_SEGMENTS || !level || !level->Segments || !level->Segments[segment])
         return VECTOR3D(1, 1, 1);
-    return TheLevel->SegmentColour(*TheLevel->Segments[segment]);
+    return level->SegmentColour(*level->Segments[segment]);
 }
 
 VECTOR3D LaserColour(int32_t level)
@@ -94,8 +94,8 @@ SPARK::SPARK(VECTOR3D p, float s, float d) : size(s), decay(d)
 
 void SPARK::Draw()
 {
-    if (ThingDrawHooks.Spark)
-        ThingDrawHooks.Spark(*this);
+    if (Drawing().DrawSpark)
+        Drawing().DrawSpark(*this);
 }
 
 void SPARK::Update()
@@ -119,7 +119,7 @@ EXPLOSION::EXPLOSION() : EXPLOSION(0.0f, 0.0f, VECTOR3D()) {}
 EXPLOSION::EXPLOSION(float g, float m, VECTOR3D c, TEXTURE* tex, BUFFER* buffer) : maxSize(m), growth(g), centre(c)
 {
     ghost = true;
-    texture = tex ? tex : ExplosionTexture;
+    texture = tex ? tex : Drawing().ExplosionTexture;
     source = NewSource(buffer ? buffer : ExplosionSound, c);
     source->Play();
 }
@@ -131,8 +131,8 @@ EXPLOSION::~EXPLOSION()
 
 void EXPLOSION::Draw()
 {
-    if (ThingDrawHooks.Explosion)
-        ThingDrawHooks.Explosion(*this);
+    if (Drawing().DrawExplosion)
+        Drawing().DrawExplosion(*this);
 }
 
 void EXPLOSION::Update()
@@ -147,7 +147,7 @@ void EXPLOSION::AfterLoad()
 {
     delete source;
     source = nullptr;
-    texture = ExplosionTexture;
+    texture = Drawing().ExplosionTexture;
 }
 
 void EXPLOSION::Members(THINGMEMBERS& m)
@@ -189,7 +189,7 @@ LASERSHOT::~LASERSHOT()
 {
     // Only a shot with sound ever holds a source.
     delete sound;
-    HandToLevel(new EXPLOSION(1.0f, 25.0f, position));
+    HandToLevel(Level, new EXPLOSION(1.0f, 25.0f, position));
 }
 
 void LASERSHOT::Draw()
@@ -208,10 +208,10 @@ void LASERSHOT::Update()
     }
     position += axisX * speed;
     THING* other = nullptr;
-    if (TheLevel)
+    if (Level)
     {
         THING* excluded[1] = {owner};
-        other = TheLevel->FindTouchingThing(this, lastPoint, excluded, owner ? 1 : 0);
+        other = Level->FindTouchingThing(this, lastPoint, excluded, owner ? 1 : 0);
     }
     lastPoint = position;
     if (!other)
@@ -238,7 +238,7 @@ void LASERSHOT::AfterLoad()
     owner = nullptr;
 }
 
-void LASERSHOT::WriteRecord(BINWRITER& out, int32_t index)
+void LASERSHOT::WriteRecord(BINWRITER& out, int32_t index) const
 {
     WriteClassRecord(out, index);
 }
@@ -279,10 +279,10 @@ void TEMPEST::Draw()
 {
     if (segment != lastSegment)
         lastSegment = segment;
-    DrawAlongFlight(*this, ThingMeshes.Tempest, SegmentAmbient(segment));
+    DrawAlongFlight(*this, ThingMeshes.Tempest, SegmentAmbient(*this));
 }
 
-void TEMPEST::WriteRecord(BINWRITER& out, int32_t index)
+void TEMPEST::WriteRecord(BINWRITER& out, int32_t index) const
 {
     WriteClassRecord(out, index);
 }

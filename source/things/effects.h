@@ -15,10 +15,6 @@ constexpr int32_t SPARK_SIZE = 155;
 constexpr int32_t EXPLOSION_SIZE = 179;
 constexpr int32_t LASERSHOT_SIZE = 180;
 
-// The billboard of explosions ("SmallExplosion.bmp"), created by the main
-// window; null elsewhere, which draws untextured.
-extern TEXTURE* ExplosionTexture;
-
 // A sound played at a place; the object ends when the sound has stopped.
 class SOUNDEFFECT : public THING
 {
@@ -62,8 +58,8 @@ public:
 
     // The reader's construction: growth 0, maxSize 0 at the origin.
     EXPLOSION();
-    // Null texture and buffer select ExplosionTexture and ExplosionSound. The
-    // sound starts at once.
+    // Null texture and buffer select the drawing seam's ExplosionTexture and
+    // ExplosionSound. The sound starts at once.
     EXPLOSION(float growth, float maxSize, VECTOR3D centre, TEXTURE* texture = nullptr, BUFFER* buffer = nullptr);
     ~EXPLOSION() override;
     void Draw() override;
@@ -94,7 +90,7 @@ public:
     void Update() override;
     void Control(int32_t how, float amount, int32_t a = 0, int32_t b = 0, int32_t c = 0, int32_t d = 0) override;
     void AfterLoad() override;
-    void WriteRecord(BINWRITER& out, int32_t index) override;
+    void WriteRecord(BINWRITER& out, int32_t index) const override;
     const char* ClassName() const override { return "LASERSHOT"; }
     int32_t RecordSize() const override { return LASERSHOT_SIZE; }
     void Members(THINGMEMBERS& m) override;
@@ -113,13 +109,13 @@ public:
     // Stops the loop, then the shot's destructor.
     ~TEMPEST() override;
     void Draw() override;
-    void WriteRecord(BINWRITER& out, int32_t index) override;
+    void WriteRecord(BINWRITER& out, int32_t index) const override;
     const char* ClassName() const override { return "TEMPEST"; }
 };
 
-// The light an object in `segment` is drawn with: the segment's mean corner
-// colour, or white outside any (valid) segment.
-VECTOR3D SegmentAmbient(int32_t segment);
+// The light an object is drawn with: the mean corner colour of its segment in
+// its level, or white outside any (valid) segment.
+VECTOR3D SegmentAmbient(const THING& t);
 
 // The colour of a shot of `level` 1 ... 10; any other level shows
 // "Invalid Laser shot level value!" and ends the program.

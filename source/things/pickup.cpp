@@ -42,21 +42,21 @@ PICKUP::PICKUP(VECTOR3D p, VECTOR3D z, VECTOR3D y, VECTOR3D x)
 
 PICKUP::~PICKUP()
 {
-    HandToLevel(new SOUNDEFFECT(PowerupSound, position, false));
+    HandToLevel(Level, new SOUNDEFFECT(PowerupSound, position, false));
 }
 
 void PICKUP::Update()
 {
     if (!ghost && --solidTicks <= 0)
         ghost = true;
-    if (!TheLevel)
+    if (!Level)
         return;
-    THING* other = TheLevel->FindTouchingThing(this, position);
+    THING* other = Level->FindTouchingThing(this, position);
     if (other && typeid(*other) == typeid(SPACESHIP) && ApplyTo(static_cast<SPACESHIP*>(other)))
         dead = true;
 }
 
-void PICKUP::WriteRecord(BINWRITER& out, int32_t index)
+void PICKUP::WriteRecord(BINWRITER& out, int32_t index) const
 {
     WriteClassRecord(out, index);
 }

@@ -22,7 +22,7 @@ public:
     // Counts down the solid ticks, then offers itself to the first object
     // touching it when that is exactly a SPACESHIP; taken -> dead.
     void Update() override;
-    void WriteRecord(BINWRITER& out, int32_t index) override;
+    void WriteRecord(BINWRITER& out, int32_t index) const override;
     const char* ClassName() const override { return "PICKUP"; }
     int32_t RecordSize() const override { return PICKUP_SIZE; }
     void Members(THINGMEMBERS& m) override;

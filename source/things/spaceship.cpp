@@ -1,5 +1,6 @@
 #include "things/spaceship.h"
 
+#include "graphics/drawing.h"
 #include "graphics/trimesh.h"
 #include "math/geometry.h"
 #include "math/random.h"
@@ -8,7 +9,6 @@
 #include "platform/platform.h"
 #include "things/effects.h"
 #include "things/pickup.h"
-#include "things/thingdraw.h"
 #include "things/thingmeshes.h"
 
 #include <cmath>
@@ -22,11 +22,11 @@ namespace {
 // Room for what a destroyed ship leaves behind.
 constexpr size_t MAX_DROPS = 256;
 
-SEGMENT* SegmentOf(int32_t index)
+SEGMENT* SegmentOf(const ORVLEVEL* level, int32_t index)
 {
-    if (!TheLevel || !TheLevel->Segments || index < 0 || index >= MAX_SEGMENTS)
+    if (!level || !level->Segments || index < 0 || index >= MAX_SEGMENTS)
         return nullptr;
-    return TheLevel->Segments[index];
+    return level->Segments[index];
 }
 
 SPACESHIP* AsShip(THING* t)
@@ -34,21 +34,11 @@ SPACESHIP* AsShip(THING* t)
     return t && typeid(*t) == typeid(SPACESHIP) ? static_cast<SPACESHIP*>(t) : nullptr;
 }
 
-THING* ThingAt(int32_t slot)
+THING* ThingAt(const ORVLEVEL* level, int32_t slot)
 {
-    if (!TheLevel || !TheLevel->Things || slot < 0 || slot >= MAX_THINGS)
+    if (!level || !level->Things || slot < 0 || slot >= MAX_THINGS)
         return nullptr;
-    return TheLevel->Things[slot];
-}
-
-// Shots go to the level the firing code names; without one, to the current
-// level. A full table drops the shot.
-void AddToLevel(ORVLEVEL* level, THING* t)
-{
-    if (!level)
-        HandToLevel(t);
-    else if (level->AddThing(t) < 0)
-        delete t;
+    return level->Things[slot];
 }
 
 // The world-aligned frame of dropped and bought items.
@@ -117,28 +107,29 @@ SPACESHIP::~SPACESHIP()
             ++shields;
     drop(shields, [](VECTOR3D p) { return new P_SHIELD(p, ItemZ, ItemY, ItemX); });
     for (THING* t : made)
-        HandToLevel(t);
+        HandToLevel(Level, t);
 }
 
 void SPACESHIP::Draw()
 {
-    VECTOR3D ambient = SegmentAmbient(segment);
+    VECTOR3D ambient = SegmentAmbient(*this);
     if (segment != lastSegment)
         lastSegment = segment;
     if (ThingMeshes.Ship)
         ThingMeshes.Ship->Draw(position, axisX, axisY, axisZ, 1, ambient);
-    if (ThingDrawHooks.UnbindTexture)
-        ThingDrawHooks.UnbindTexture();
+    // Later drawing starts untextured.
+    if (Drawing().BindTexture)
+        Drawing().BindTexture(0);
 }
 
 void SPACESHIP::DrawCockpit()
 {
     // The shop is open only inside a support segment.
-    SEGMENT* s = SegmentOf(segment);
+    SEGMENT* s = SegmentOf(Level, segment);
     if (!s || s->Type != 3)
         shopState = -1;
-    if (ThingDrawHooks.Cockpit)
-        ThingDrawHooks.Cockpit(*this);
+    if (Drawing().DrawCockpit)
+        Drawing().DrawCockpit(*this);
 }
 
 void SPACESHIP::AfterLoad()
@@ -147,7 +138,7 @@ void SPACESHIP::AfterLoad()
     launchSide = (LRand() & 1) != 0;
 }
 
-void SPACESHIP::WriteRecord(BINWRITER& out, int32_t index)
+void SPACESHIP::WriteRecord(BINWRITER& out, int32_t index) const
 {
     WriteClassRecord(out, index);
 }
@@ -201,7 +192,7 @@ void SPACESHIP::Update()
         shield = limit;
     if (energy > limit)
         energy = limit;
-    SEGMENT* s = SegmentOf(segment);
+    SEGMENT* s = SegmentOf(Level, segment);
     if (s && s->Type == 1 && energy < 100.0f)
         energy += 0.1f;
 
@@ -209,7 +200,7 @@ void SPACESHIP::Update()
     {
         --dyingTicks;
         if (int32_t(LRand() % 5) == dyingTicks % 5)
-            HandToLevel(new EXPLOSION(1.0f, 12.0f, oldPosition + RandomBoxOffset()));
+            HandToLevel(Level, new EXPLOSION(1.0f, 12.0f, oldPosition + RandomBoxOffset()));
         if (dyingTicks <= 0)
             dead = true;
         for (int how : {7, 11, 8})
@@ -236,18 +227,18 @@ void SPACESHIP::AcquireTarget()
 {
     if (target != -1)
     {
-        if (THING* t = ThingAt(target))
+        if (THING* t = ThingAt(Level, target))
             goal = t->position;
         else
             target = -1;
         return;
     }
-    for (int i = 0; TheLevel && TheLevel->Things && i < MAX_THINGS; ++i)
+    for (int i = 0; Level && Level->Things && i < MAX_THINGS; ++i)
     {
-        SPACESHIP* other = AsShip(TheLevel->Things[i]);
+        SPACESHIP* other = AsShip(Level->Things[i]);
         if (!other || other == this || other->dying || (other->team != 0 && other->team == team))
             continue;
-        if (TheLevel->LineOfSight(position, other->position, SegmentOf(segment)))
+        if (Level->LineOfSight(position, other->position, SegmentOf(Level, segment)))
         {
             target = i;
             return;
@@ -302,8 +293,8 @@ void SPACESHIP::AttackTarget()
 {
     if (target == -1)
         return;
-    THING* t = ThingAt(target);
-    if (!t || !TheLevel->LineOfSight(position, t->position, SegmentOf(segment)))
+    THING* t = ThingAt(Level, target);
+    if (!t || !Level->LineOfSight(position, t->position, SegmentOf(Level, segment)))
     {
         target = -1;
         return;
@@ -327,8 +318,8 @@ void SPACESHIP::AttackTarget()
         return;
     Control(7, std::atan(aim.a / aim.dist));
     Control(9, std::atan(aim.b / aim.dist));
-    FirePrimary(TheLevel);
-    FireSecondary(TheLevel);
+    FirePrimary(Level);
+    FireSecondary(Level);
     if (skill == 3)
     {
         if (aim.dist > 100.0f)
@@ -366,7 +357,7 @@ void SPACESHIP::FirePrimary(ORVLEVEL* level)
         VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * side);
         auto* shot = new LASERSHOT(true, muzzle);
         Launch(shot, muzzle, float(Fibonacci(primaryWeapon + 1)), float(10 * primaryWeapon + 20));
-        AddToLevel(level, shot);
+        HandToLevel(level, shot);
     }
     primaryCooldown = (primaryWeapon / 2) * 5 + 10;
 }
@@ -383,7 +374,7 @@ void SPACESHIP::FireSecondary(ORVLEVEL* level)
     VECTOR3D muzzle = position + axisX * 15.0f + axisZ * (15.0f * s);
     auto* missile = new TEMPEST(true, muzzle);
     Launch(missile, muzzle, 20.0f, 40.0f);
-    AddToLevel(level, missile);
+    HandToLevel(level, missile);
     secondaryCooldown = 20;
     launchSide = !launchSide;
     --tempestCount;
@@ -411,14 +402,14 @@ void SPACESHIP::DamageShield(float amount)
 
 void SPACESHIP::OpenShop()
 {
-    SEGMENT* s = SegmentOf(segment);
+    SEGMENT* s = SegmentOf(Level, segment);
     if (s && s->Type == 3 && shopState == -1)
         shopState = 0;
 }
 
 void SPACESHIP::ShopSelect(int32_t choice)
 {
-    SEGMENT* s = SegmentOf(segment);
+    SEGMENT* s = SegmentOf(Level, segment);
     if (!s || s->Type != 3)
         return;
     if (shopState == 0)
@@ -435,7 +426,7 @@ void SPACESHIP::ShopSelect(int32_t choice)
         else if (choice == 0 && LaserPrice() <= money)
         {
             // Bought items reach the ship through the normal pickup rules.
-            HandToLevel(new P_LASERBOOST(position, ItemZ, ItemY, ItemX));
+            HandToLevel(Level, new P_LASERBOOST(position, ItemZ, ItemY, ItemX));
             money -= LaserPrice();
         }
     }

@@ -61,7 +61,7 @@ public:
     void DrawCockpit() override;
     // goal := position; launchSide from a random draw.
     void AfterLoad() override;
-    void WriteRecord(BINWRITER& out, int32_t index) override;
+    void WriteRecord(BINWRITER& out, int32_t index) const override;
     const char* ClassName() const override { return "SPACESHIP"; }
     int32_t RecordSize() const override { return SPACESHIP_SIZE; }
     void Members(THINGMEMBERS& m) override;

@@ -2,7 +2,7 @@
 
 #include "math/geometry.h"
 #include "math/random.h"
-#include "orvlevel/binio.h"
+#include "platform/binio.h"
 #include "orvlevel/level.h"
 
 #include <cmath>
@@ -26,18 +26,18 @@ void THING::DrawCockpit() {}
 
 void THING::AfterLoad() {}
 
-void THING::WriteRecord(BINWRITER&, int32_t) {}
+void THING::WriteRecord(BINWRITER&, int32_t) const {}
 
 bool THING::CollideBodyPoint(float z, float y, float x, SEGMENT* seg)
 {
-    if (!TheLevel)
+    if (!Level)
         return false;
     // The point's path from where it sat at the end of the last tick to where
     // the new frame puts it.
     VECTOR3D from = oldPosition + oldAxisZ * z + oldAxisY * y + oldAxisX * x;
     VECTOR3D d = axisZ * z + axisY * y + axisX * x;
     VECTOR3D to = position + d;
-    if (!TheLevel->CollidePoint(&from, 1, seg, 5.0f, true, &to, true))
+    if (!Level->CollidePoint(&from, 1, seg, 5.0f, true, &to, true))
         return false;
     position = to - d;
     hit = true;
@@ -234,13 +234,13 @@ bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB)
 
 void THING::CollideWithWalls()
 {
-    if (!TheLevel)
+    if (!Level)
         return;
     // Without a known segment the queries search the whole level.
     SEGMENT* s = nullptr;
-    if (TheLevel->Segments && segment >= 0 && segment < MAX_SEGMENTS)
-        s = TheLevel->Segments[segment];
-    bool outer = TheLevel->CollidePoint(&oldPosition, 1, s, outerRadius, true, &position, false);
+    if (Level->Segments && segment >= 0 && segment < MAX_SEGMENTS)
+        s = Level->Segments[segment];
+    bool outer = Level->CollidePoint(&oldPosition, 1, s, outerRadius, true, &position, false);
     hit = false;
     // The corners cost eight queries, so they wait for the cheap pass to hit.
     // Each correction moves the object before the next corner is tested, so
@@ -251,5 +251,5 @@ void THING::CollideWithWalls()
                 for (float x : {boxXHigh, boxXLow})
                     if (CollideBodyPoint(z, y, x, s))
                         hit = true;
-    TheLevel->CollidePoint(&oldPosition, 1, s, innerRadius, true, &position, true);
+    Level->CollidePoint(&oldPosition, 1, s, innerRadius, true, &position, true);
 }

@@ -7,6 +7,7 @@
 
 class BINWRITER;
 class BINREADER;
+class ORVLEVEL;
 struct SEGMENT;
 
 // Walks the stored members of an object in record order, each under its own
@@ -71,6 +72,11 @@ public:
     float boxXHigh = 0.0f;
     float pushDistance = 0.0f;
 
+    // The level whose table holds the object (set when it is added), or null.
+    // Everything the object does to a level, its destructor included, goes
+    // there and never to another level.
+    ORVLEVEL* Level = nullptr;
+
     THING() = default;
     THING(const THING&) = delete;
     THING& operator=(const THING&) = delete;
@@ -83,7 +89,7 @@ public:
     virtual void DrawCockpit();
     virtual void AfterLoad();
     // Appends the object's file record (index, class name, size, members) or nothing.
-    virtual void WriteRecord(BINWRITER& out, int32_t index);
+    virtual void WriteRecord(BINWRITER& out, int32_t index) const;
     virtual bool CollideBodyPoint(float z, float y, float x, SEGMENT* seg);
 
     // The class name a file record carries, and the packed record: its size

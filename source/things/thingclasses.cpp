@@ -33,7 +33,12 @@ const THINGCLASS Classes[] = {
 
 } // namespace
 
-std::span<const THINGCLASS> ReaderClassList()
+std::span<const THINGCLASS> GameThingClasses()
 {
     return Classes;
+}
+
+void RegisterThingClasses()
+{
+    SetThingClasses(Classes);
 }

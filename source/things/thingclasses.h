@@ -1,17 +1,9 @@
-// The classes the level reader constructs from stored class names, in the
-// order it tries them.
+// The game's object classes, handed to the level reader in the order it
+// tries them.
 #pragma once
 
-#include <cstdint>
-#include <span>
+#include "orvlevel/level.h"
 
-class THING;
-
-struct THINGCLASS
-{
-    const char* Name;
-    int32_t Size;
-    THING* (*Construct)();
-};
-
-std::span<const THINGCLASS> ReaderClassList();
+// Every program that loads levels with objects calls this once at start.
+void RegisterThingClasses();
+std::span<const THINGCLASS> GameThingClasses();

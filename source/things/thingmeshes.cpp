@@ -2,10 +2,8 @@
 
 #include "graphics/trimesh.h"
 #include "things/thing.h"
-#include "things/thingdraw.h"
 
 THINGMESHES ThingMeshes;
-THINGDRAWHOOKS ThingDrawHooks;
 
 namespace {
 

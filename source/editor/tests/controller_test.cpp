@@ -16,15 +16,11 @@ namespace {
 class ControllerTest : public PlatformTest
 {
 protected:
-    ControllerTest()
-    {
-        TheLevel = L.get();
-        Editor.JoinDialog = [this] { ++Dialogs; return Shift; };
-    }
-    ~ControllerTest() override { TheLevel = nullptr; }
-    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
+    ControllerTest() { Editor.JoinDialog = [this] { ++Dialogs; return Shift; }; }
+    ORVEDOCUMENT Doc;
+    ORVLEVEL* L = &Doc.Level();
     CAMERA Cam;
-    ORVEDITOR Editor{Cam};
+    ORVEDITOR Editor{Doc, Cam};
     int Dialogs = 0;
     int32_t Shift = 0;
     void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
@@ -220,14 +216,14 @@ TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
     EXPECT_EQ(L->Things[5], ship);
 
     // A full table keeps what it has; the new object is not stored.
-    L = std::make_unique<ORVLEVEL>();
-    TheLevel = L.get();
+    ORVEDOCUMENT full;
+    ORVEDITOR editor(full, Cam);
     P().Reset();
     for (int i = 0; i < MAX_THINGS; ++i)
-        L->Things[i] = new THING;
-    Editor.Command(CM_ENEMYSHIP);
-    Editor.Command(CM_SHIPLEVEL);
+        full.Level().Things[i] = new THING;
+    editor.Command(CM_ENEMYSHIP);
+    editor.Command(CM_SHIPLEVEL);
     for (int i = 0; i < MAX_THINGS; ++i)
-        ASSERT_STREQ(L->Things[i]->ClassName(), "THING") << i;
+        ASSERT_STREQ(full.Level().Things[i]->ClassName(), "THING") << i;
     EXPECT_TRUE(P().Messages.empty());
 }

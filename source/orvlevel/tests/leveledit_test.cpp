@@ -1,6 +1,6 @@
 #include "orvlevel/level.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "math/geometry.h"
 #include "orvlevel/tests/leveltesting.h"
 #include "platform/tests/testplatform.h"

@@ -1,6 +1,6 @@
 // Items, effects and ships: their rules, side effects and records.
-#include "editor/camera.h"
-#include "orvlevel/binio.h"
+#include "math/camera.h"
+#include "platform/binio.h"
 #include "orvlevel/level.h"
 #include "math/random.h"
 #include "platform/cp1250.h"
@@ -317,6 +317,7 @@ TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
 TEST_F(ObjectsTest, ShipUpdates)
 {
     SPACESHIP s;
+    s.Level = L.get();
     s.playerControlled = 1;
     s.segment = 0;
     L->Segments[0]->Type = 1; // recharger

@@ -1,10 +1,12 @@
 // Object records in level files, read through the game's own class list.
+#include "graphics/drawing.h"
 #include "orvlevel/level.h"
 #include "platform/tests/testplatform.h"
 #include "sound/buffer.h"
 #include "things/effects.h"
 #include "things/pickup.h"
 #include "things/spaceship.h"
+#include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
 #include <cstring>
@@ -112,6 +114,7 @@ protected:
     {
         PlatformTest::SetUp();
         LoadThingMeshes();
+        RegisterThingClasses();
         L = std::make_unique<ORVLEVEL>();
         TheLevel = L.get();
     }
@@ -187,7 +190,7 @@ TEST_F(RecordsTest, HandBuiltRecordsLoadOverTheConstructedObjects)
     EXPECT_EQ(explosion->radius, 42.0f);
     EXPECT_EQ(explosion->centre, VECTOR3D(1, 2, 3));
     EXPECT_EQ(explosion->source, nullptr);
-    EXPECT_EQ(explosion->texture, ExplosionTexture);
+    EXPECT_EQ(explosion->texture, Drawing().ExplosionTexture);
 
     // The missile's record replaces the box its constructor took from the mesh.
     auto* missile = dynamic_cast<TEMPEST*>(L->Things[999]);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "math/random.h"
-#include "orvlevel/binio.h"
+#include "platform/binio.h"
 #include "things/thing.h"
 
 #include <cmath>

@@ -1,7 +1,7 @@
 // A seeded battle of several ships through the whole game loop.
 #include "orvlevel/level.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "math/random.h"
 #include "platform/tests/testplatform.h"
 #include "things/effects.h"

@@ -1,4 +1,4 @@
-#include "editor/camera.h"
+#include "math/camera.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "orvlevel/level.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "sound/source.h"
 #include "things/effects.h"
 #include "things/thing.h"
@@ -38,6 +38,7 @@ void ORVLEVEL::PhysicsStep()
 {
     if (!Things)
         return;
+    Changed();
     for (int i = 0; i < MAX_THINGS; ++i)
     {
         THING* a = Things[i];
@@ -79,6 +80,7 @@ void ORVLEVEL::CommitThings()
 {
     if (!Things)
         return;
+    Changed();
     for (int i = 0; i < MAX_THINGS; ++i)
     {
         THING* t = Things[i];
@@ -96,6 +98,7 @@ void ORVLEVEL::GameTick(const CAMERA& camera)
     SetListener(camera.Position, camera.ViewDir, camera.Up);
     if (!Things)
         return;
+    Changed();
     // Objects an Update or a destructor adds land in free slots, earlier or
     // later ones alike; those after the current slot are updated this tick.
     for (int i = 0; i < MAX_THINGS; ++i)
@@ -131,10 +134,10 @@ void ORVLEVEL::GameTick(const CAMERA& camera)
     }
 }
 
-void HandToLevel(THING* t)
+void HandToLevel(ORVLEVEL* level, THING* t)
 {
     if (!t)
         return;
-    if (!TheLevel || TheLevel->AddThing(t) < 0)
+    if (!level || level->AddThing(t) < 0)
         delete t;
 }

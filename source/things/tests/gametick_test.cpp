@@ -1,6 +1,6 @@
 #include "orvlevel/level.h"
 
-#include "editor/camera.h"
+#include "math/camera.h"
 #include "orvlevel/tests/leveltesting.h"
 #include "platform/tests/testplatform.h"
 #include "things/effects.h"
@@ -61,6 +61,7 @@ protected:
         b->oldPosition = p;
         b->oldAxisX = b->axisX, b->oldAxisY = b->axisY, b->oldAxisZ = b->axisZ;
         L->Things[slot] = b;
+        b->Level = L.get();
         return b;
     }
     int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }

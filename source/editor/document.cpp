@@ -1,0 +1,34 @@
+#include "editor/document.h"
+
+ORVEDOCUMENT::ORVEDOCUMENT() : Owned(std::make_unique<ORVLEVEL>()), Installed(Owned.get())
+{
+    SavedRevision = Revision();
+}
+
+bool ORVEDOCUMENT::Open(const std::string& path)
+{
+    if (!Level().LoadLevel(path.c_str()))
+        return false;
+    SavedRevision = Revision();
+    return true;
+}
+
+bool ORVEDOCUMENT::Save()
+{
+    if (!FileName())
+        return false;
+    return SaveAs(*FileName());
+}
+
+bool ORVEDOCUMENT::SaveAs(const std::string& path)
+{
+    // A failed save keeps the name the level had before.
+    std::optional<std::string> previous = FileName();
+    if (!Level().SaveLevel(path.c_str()))
+    {
+        Level().FileName = std::move(previous);
+        return false;
+    }
+    SavedRevision = Revision();
+    return true;
+}

@@ -1,0 +1,104 @@
+#include "platform/fileio.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <new>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Reads a regular file completely; false when it cannot be opened or read.
+bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
+{
+    int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    struct stat st;
+    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    if (ok)
+    {
+        try
+        {
+            out.resize(size_t(st.st_size));
+        }
+        catch (const std::bad_alloc&)
+        {
+            ok = false;
+        }
+    }
+    size_t done = 0;
+    while (ok && done < out.size())
+    {
+        ssize_t n = read(fd, out.data() + done, out.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            ok = false; // a file that shrank under us is as unreadable as one that failed
+        else
+            done += size_t(n);
+    }
+    close(fd);
+    return ok;
+}
+
+static bool WriteAll(int fd, const uint8_t* data, size_t size)
+{
+    while (size > 0)
+    {
+        ssize_t n = write(fd, data, size);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        data += n;
+        size -= size_t(n);
+    }
+    return true;
+}
+
+// Writes the bytes to a new file beside the target and renames it over the
+// target, so the previous file survives any failure. A symbolic link is
+// followed, so the link itself stays.
+bool ReplaceFile(const std::string& name, const uint8_t* data, size_t size)
+{
+    if (name.empty())
+        return false;
+    std::string target = name;
+    struct stat st;
+    if (lstat(target.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
+    {
+        char resolved[PATH_MAX];
+        if (realpath(target.c_str(), resolved))
+            target = resolved;
+    }
+    mode_t mode;
+    if (stat(target.c_str(), &st) == 0)
+    {
+        if (!S_ISREG(st.st_mode))
+            return false;
+        mode = st.st_mode & 07777;
+    }
+    else
+    {
+        mode_t mask = umask(0);
+        umask(mask);
+        mode = 0666 & ~mask;
+    }
+
+    size_t slash = target.rfind('/');
+    std::string dir = slash == std::string::npos ? "./" : target.substr(0, slash + 1);
+    std::string temp = dir + ".orvsave-XXXXXX";
+    int fd = mkstemp(temp.data());
+    if (fd < 0)
+        return false;
+    bool ok = WriteAll(fd, data, size);
+    ok = fchmod(fd, mode) == 0 && ok;
+    ok = close(fd) == 0 && ok;
+    ok = ok && rename(temp.c_str(), target.c_str()) == 0;
+    if (!ok)
+        unlink(temp.c_str());
+    return ok;
+}
+
