@@ -1,0 +1,75 @@
+#include "editor/filepath.h"
+#include "editor/kernel.h"
+
+#include "platform/tests/testplatform.h"
+
+namespace {
+
+class KernelTest : public PlatformTest, public KERNELHOST
+{
+protected:
+    CAMERA Cam;
+    KERNEL Kernel{*this, Cam};
+    int CursorX = 320, CursorY = 240;
+
+    void ClientSize(int& w, int& h) override { w = 641, h = 481; } // centre (320, 240)
+    void CursorPos(int& x, int& y) override { x = CursorX, y = CursorY; }
+    void SetCursorPos(int x, int y) override { CursorX = x, CursorY = y; }
+
+    void Press(uint32_t evdev, bool down = true) { Kernel.SetMoveKey(ScanCodeOfEvdev(evdev), down); }
+};
+
+constexpr uint32_t KEY_KP8 = 72, KEY_KP5 = 76, KEY_UP = 103, KEY_DOWN = 108, KEY_KP2 = 80, KEY_DELETE = 111;
+
+} // namespace
+
+TEST_F(KernelTest, KeysByScanCodeMoveTheCameraOncePerStep)
+{
+    const CAMERA start = Cam;
+    Press(KEY_UP); // the grey key is keypad 8
+    EXPECT_TRUE(Kernel.Moving());
+    EXPECT_TRUE(Kernel.Update());
+    EXPECT_EQ(Cam.Position, start.Position + start.ViewDir * 10.0f);
+    EXPECT_FALSE(Kernel.Update()); // within the same 40 ms
+    P().Now += 41;
+    Press(KEY_UP, false);
+    Press(KEY_KP8);
+    Press(KEY_KP5); // forward and back in one step cancel out
+    VECTOR3D before = Cam.Position;
+    Kernel.Update();
+    EXPECT_NEAR(Length(Cam.Position - before), 0.0f, 1e-4f);
+
+    Press(KEY_KP8, false);
+    Press(KEY_KP5, false);
+    Press(KEY_DOWN);
+    Press(KEY_KP2);
+    EXPECT_FALSE(Kernel.Moving()); // the down arrow and keypad 2 do nothing
+    EXPECT_EQ(CameraOpOfScanCode(ScanCodeOfEvdev(KEY_DELETE)), CAM_ROLLRIGHTDOWN);
+    EXPECT_EQ(CameraOpOfScanCode(0xE053), CAM_ROLLRIGHTDOWN); // extended bit ignored
+    EXPECT_EQ(CameraOpOfScanCode(0x50), -1);
+}
+
+TEST_F(KernelTest, MouseLookTurnsByTheCursorOffsetAndRecentres)
+{
+    CAMERA expected = Cam;
+    expected.Move(CAM_TURNRIGHT, 0.1f);
+    expected.Move(CAM_LOOKDOWN, 0.0f);
+    Kernel.MouseLook = true;
+    CursorX = 420;
+    Kernel.Update();
+    EXPECT_EQ(Cam.ViewDir, expected.ViewDir);
+    EXPECT_EQ(Cam.Right, expected.Right);
+    EXPECT_EQ(CursorX, 320);
+    EXPECT_EQ(CursorY, 240);
+}
+
+TEST(FilePath, MakeRelativePath)
+{
+    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a/b"), "x.bmp");
+    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a/b/c"), "..\\x.bmp");
+    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a"), "b\\x.bmp");
+    EXPECT_EQ(MakeRelativePath("/A/b/x.bmp", "/a/B"), "x.bmp");
+    // The first piece that differs was compared in upper case.
+    EXPECT_EQ(MakeRelativePath("/games/tex/wall.bmp", "/games/edit"), "..\\TEX\\wall.bmp");
+    EXPECT_EQ(MakeRelativePath("/a/b", "/a/b"), "");
+}
