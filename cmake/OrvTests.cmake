@@ -8,14 +8,18 @@ if(ORV_BUILD_TESTS)
   include(GoogleTest)
 endif()
 
-# orv_tests(NAME LIBRARY... SOURCES file...)
+# orv_tests(NAME [OWN_MAIN] LIBRARIES lib... SOURCES file...); OWN_MAIN for
+# programs whose sources bring their own main (the Qt tests need an application).
 function(orv_tests name)
   if(NOT ORV_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(T "" "" "LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(T "OWN_MAIN" "" "LIBRARIES;SOURCES" ${ARGN})
   add_executable(${name} ${T_SOURCES})
-  target_link_libraries(${name} PRIVATE ${T_LIBRARIES} orv_testsupport)
+  target_link_libraries(${name} PRIVATE ${T_LIBRARIES} orv_testplatform)
+  if(NOT T_OWN_MAIN)
+    target_link_libraries(${name} PRIVATE orv_testmain)
+  endif()
   add_dependencies(${name} orvane-data)
   gtest_discover_tests(${name}
     WORKING_DIRECTORY ${ORV_BIN_DIR}
