@@ -1,0 +1,24 @@
+#include "app/qtplatform.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+void QTPLATFORM::MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon)
+{
+    QMessageBox::Icon qicon = QMessageBox::NoIcon;
+    switch (icon)
+    {
+    case MSGICON_STOP: qicon = QMessageBox::Critical; break;
+    case MSGICON_INFORMATION: qicon = QMessageBox::Information; break;
+    case MSGICON_WARNING: qicon = QMessageBox::Warning; break;
+    case MSGICON_QUESTION: qicon = QMessageBox::Question; break;
+    case MSGICON_NONE: break;
+    }
+    QMessageBox box(qicon, QString::fromStdString(caption), QString::fromStdString(text), QMessageBox::Ok);
+    box.exec();
+}
+
+void QTPLATFORM::Beep()
+{
+    QApplication::beep();
+}

@@ -1,0 +1,12 @@
+// The desktop side of the platform seam: message boxes without an owner
+// window, the system beep, and fatal ends that stop the program at once.
+#pragma once
+
+#include "platform/platform.h"
+
+class QTPLATFORM : public CONSOLEPLATFORM
+{
+public:
+    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override;
+    void Beep() override;
+};
