@@ -6,6 +6,7 @@
 #include "math/camera.h"
 #include "math/random.h"
 #include "orvlevel/leveldump.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -226,6 +227,20 @@ void DoLight(SESSION& s, ARGS a)
     s.Level.NewLight(s.Camera.Position, red, green, blue, brightness);
 }
 
+// The history as the window's "Visszavonás" and "Újra" reach it; with nothing
+// to undo or redo the line is refused like a command.
+void DoUndo(SESSION& s, ARGS)
+{
+    if (!s.Doc.History.Undo())
+        InfoBeep();
+}
+
+void DoRedo(SESSION& s, ARGS)
+{
+    if (!s.Doc.History.Redo())
+        InfoBeep();
+}
+
 // The rest of the line, trimmed, as the one argument: paths may hold spaces.
 constexpr int PATH = -1;
 
@@ -250,6 +265,8 @@ const SCRIPTCOMMAND Commands[] = {
     {"click", 2, DoClick}, // X Y
     {"light", 4, DoLight}, // RED GREEN BLUE BRIGHTNESS
     {"srand", 1, DoSrand}, // SEED
+    {"undo", 0, DoUndo},
+    {"redo", 0, DoRedo},
 };
 
 constexpr std::string_view SPACE = " \t\r\v\f";
@@ -290,17 +307,22 @@ void RunLine(SESSION& s, std::string_view line)
     auto c = std::find_if(std::begin(Commands), std::end(Commands), [name](const SCRIPTCOMMAND& command) { return name == command.Name; });
     if (c == std::end(Commands))
         BadLine("unknown command " + Quoted(name));
+    // Every line is one action: what it changed is one step of the history.
+    s.Doc.History.Begin();
     if (c->Args == PATH)
     {
         std::string_view path = Trim(line.substr(size_t(name.data() + name.size() - line.data())));
         if (path.empty())
             BadLine("expected a path");
         c->Run(s, ARGS(&path, 1));
-        return;
     }
-    if (tokens.size() - 1 != size_t(c->Args))
-        BadLine(Expected(c->Args));
-    c->Run(s, ARGS(tokens).subspan(1));
+    else
+    {
+        if (tokens.size() - 1 != size_t(c->Args))
+            BadLine(Expected(c->Args));
+        c->Run(s, ARGS(tokens).subspan(1));
+    }
+    s.Doc.History.Checkpoint();
 }
 
 } // namespace

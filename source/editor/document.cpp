@@ -9,6 +9,7 @@ bool ORVEDOCUMENT::Open(const std::string& path)
 {
     if (!Level().LoadLevel(path.c_str()))
         return false;
+    History.Reset();
     SavedRevision = Revision();
     return true;
 }

@@ -4,6 +4,7 @@
 // its level as TheLevel for its lifetime.
 #pragma once
 
+#include "editor/history.h"
 #include "orvlevel/level.h"
 
 #include <cstdint>
@@ -40,4 +41,8 @@ private:
     std::unique_ptr<ORVLEVEL> Owned;
     SCOPEDLEVEL Installed;
     uint64_t SavedRevision = 0;
+
+public:
+    // Undo and redo; opening a level starts it afresh, saving leaves it.
+    ORVEHISTORY History{*Owned};
 };

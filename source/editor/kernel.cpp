@@ -90,18 +90,21 @@ bool KERNEL::Update()
 
 void KERNEL::HandleInput()
 {
+    CAMERA* camera = Owner.ViewCamera();
+    if (!camera)
+        return;
     int width = 0, height = 0;
     Owner.ClientSize(width, height);
     const int cx = width / 2, cy = height / 2;
     for (int op = 0; op < CAMERA_MOVES; ++op)
         if (MoveKeys[op])
-            Camera.Move(op, op < 6 ? STEP_DISTANCE : STEP_ANGLE);
+            camera->Move(op, op < 6 ? STEP_DISTANCE : STEP_ANGLE);
     if (!MouseLook)
         return;
     int x = 0, y = 0;
     Owner.CursorPos(x, y);
     // The offset is a float and the factor a double, as in the C expression.
-    Camera.Move(CAM_TURNRIGHT, float(double(float(x) - float(cx)) * MOUSE_RADIANS_PER_PIXEL));
-    Camera.Move(CAM_LOOKDOWN, float(double(float(y) - float(cy)) * MOUSE_RADIANS_PER_PIXEL));
+    camera->Move(CAM_TURNRIGHT, float(double(float(x) - float(cx)) * MOUSE_RADIANS_PER_PIXEL));
+    camera->Move(CAM_LOOKDOWN, float(double(float(y) - float(cy)) * MOUSE_RADIANS_PER_PIXEL));
     Owner.SetCursorPos(cx, cy);
 }

@@ -17,6 +17,8 @@ public:
     // The cursor in client coordinates; setting it moves the real cursor.
     virtual void CursorPos(int& x, int& y) = 0;
     virtual void SetCursorPos(int x, int y) = 0;
+    // The view's camera; null until the view exists.
+    virtual CAMERA* ViewCamera() = 0;
 };
 
 // The camera operation of a hardware scan code (the PC keyboard's set-1
@@ -40,7 +42,7 @@ public:
     // While the right mouse button is held.
     bool MouseLook = false;
 
-    KERNEL(KERNELHOST& owner, CAMERA& camera) : Owner(owner), Camera(camera) {}
+    explicit KERNEL(KERNELHOST& owner) : Owner(owner) {}
 
     // One call per pass of the frame loop; false when the step was not due.
     bool Update();
@@ -51,5 +53,4 @@ public:
 
 private:
     KERNELHOST& Owner;
-    CAMERA& Camera;
 };

@@ -150,6 +150,11 @@ public:
     uint64_t Revision = 0;
     void Changed() { ++Revision; }
 
+    // Set while the level is rebuilt from a stored image (undo and redo):
+    // objects destroyed then leave nothing behind, since the image already
+    // holds whatever the level had.
+    bool Restoring = false;
+
     // Builds the default level, then loads the file if a name is given.
     explicit ORVLEVEL(const char* fileName = "");
     ~ORVLEVEL();
@@ -318,6 +323,10 @@ public:
     std::vector<uint8_t> Serialize() const;
     // Reads a file image over a cleared level (the body of LoadLevel).
     void Deserialize(const uint8_t* data, size_t size);
+    // Replaces the level's contents with an image Serialize made, quietly:
+    // no object leaves effects, and the file name, the selection and the
+    // current texture stay as they are.
+    void RestoreImage(const uint8_t* data, size_t size);
 
 private:
     // Indices into FreeHint.

@@ -385,6 +385,15 @@ private:
             L.Things[index] = t;
             t->Level = &L;
             t->AfterLoad();
+            // A restored image must come back exactly: what AfterLoad sets
+            // for a level read from a file (a ship's goal and launch side)
+            // is read again from the record.
+            if (L.Restoring)
+            {
+                In.Pos = start;
+                t->ReadMembers(In);
+                In.Pos = start + body;
+            }
         }
     }
 
@@ -513,6 +522,16 @@ void ORVLEVEL::Deserialize(const uint8_t* data, size_t size)
     delete InvisibleSideTexture;
     InvisibleSideTexture = nullptr;
     InvisibleSideTexture = NewOrDie<TEXTURE>(MSG_NOMEM_LOAD, "InvSide.bmp");
+}
+
+void ORVLEVEL::RestoreImage(const uint8_t* data, size_t size)
+{
+    std::optional<std::string> name = std::move(FileName);
+    Restoring = true;
+    Clear();
+    Deserialize(data, size);
+    Restoring = false;
+    FileName = std::move(name);
 }
 
 bool ORVLEVEL::SaveLevel(const char* fileName)

@@ -189,7 +189,8 @@ LASERSHOT::~LASERSHOT()
 {
     // Only a shot with sound ever holds a source.
     delete sound;
-    HandToLevel(Level, new EXPLOSION(1.0f, 25.0f, position));
+    if (LeavesEffects())
+        HandToLevel(Level, new EXPLOSION(1.0f, 25.0f, position));
 }
 
 void LASERSHOT::Draw()

@@ -42,7 +42,8 @@ PICKUP::PICKUP(VECTOR3D p, VECTOR3D z, VECTOR3D y, VECTOR3D x)
 
 PICKUP::~PICKUP()
 {
-    HandToLevel(Level, new SOUNDEFFECT(PowerupSound, position, false));
+    if (LeavesEffects())
+        HandToLevel(Level, new SOUNDEFFECT(PowerupSound, position, false));
 }
 
 void PICKUP::Update()

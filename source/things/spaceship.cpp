@@ -83,6 +83,8 @@ SPACESHIP::SPACESHIP() : strafeDirection(int32_t(LRand() % 4))
 
 SPACESHIP::~SPACESHIP()
 {
+    if (!LeavesEffects())
+        return;
     std::vector<THING*> made;
     made.push_back(new EXPLOSION(10.0f, 300.0f, oldPosition + RandomBoxOffset()));
 

@@ -13,6 +13,11 @@ constexpr float RAND_SCALE = 1.0f / 32767.0f;
 
 THING::~THING() = default;
 
+bool THING::LeavesEffects() const
+{
+    return !Level || !Level->Restoring;
+}
+
 void THING::Draw() {}
 
 void THING::Update() {}

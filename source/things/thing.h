@@ -76,6 +76,9 @@ public:
     // Everything the object does to a level, its destructor included, goes
     // there and never to another level.
     ORVLEVEL* Level = nullptr;
+    // Whether destroying the object leaves its effects (explosions, drops,
+    // sounds): not while its level is being rebuilt from a stored image.
+    bool LeavesEffects() const;
 
     THING() = default;
     THING(const THING&) = delete;

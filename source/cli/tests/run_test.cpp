@@ -160,3 +160,22 @@ TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
     EXPECT_EQ(r.Status, 1);
     EXPECT_EQ(r.Err, "orvane-cli run: cannot read " + Path("none") + ": No such file or directory\n");
 }
+
+TEST_F(RunTest, UndoAndRedoRetraceScriptedEdits)
+{
+    // Each line is a step; dumps and saved bytes after undoing equal those
+    // from before the step, and redo brings the edit back.
+    RUN r = Run("save " + Path("0.ORVLevel") + "\n"
+                "select 0 0 2\ncommand 11847\ncommand 11853\nsave " + Path("2.ORVLevel") + "\n"
+                "light 255 0 0 100\ncommand 11869\n"
+                "undo\nundo\nsave " + Path("2u.ORVLevel") + "\n"
+                "undo\nundo\nsave " + Path("0u.ORVLevel") + "\nundo\n" // the last one is refused
+                "redo\nredo\nredo\nredo\nredo\n" + // so is the fifth
+                "dump -\n");
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "beep\nbeep\n");
+    EXPECT_EQ(ReadText(In("0u.ORVLevel")), ReadText(In("0.ORVLevel")));
+    EXPECT_EQ(ReadText(In("2u.ORVLevel")), ReadText(In("2.ORVLevel")));
+    EXPECT_NE(r.Out.find(R"("brightness": 100)"), std::string::npos);
+    EXPECT_NE(r.Out.find(R"("selection": {"segment": 0, "side": 0, "point": 2})"), std::string::npos);
+}

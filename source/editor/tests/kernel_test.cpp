@@ -9,12 +9,13 @@ class KernelTest : public PlatformTest, public KERNELHOST
 {
 protected:
     CAMERA Cam;
-    KERNEL Kernel{*this, Cam};
+    KERNEL Kernel{*this};
     int CursorX = 320, CursorY = 240;
 
     void ClientSize(int& w, int& h) override { w = 641, h = 481; } // centre (320, 240)
     void CursorPos(int& x, int& y) override { x = CursorX, y = CursorY; }
     void SetCursorPos(int x, int y) override { CursorX = x, CursorY = y; }
+    CAMERA* ViewCamera() override { return &Cam; }
 
     void Press(uint32_t evdev, bool down = true) { Kernel.SetMoveKey(ScanCodeOfEvdev(evdev), down); }
 };

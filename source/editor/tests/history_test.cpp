@@ -1,0 +1,119 @@
+#include "editor/controller.h"
+
+#include "platform/tests/testplatform.h"
+#include "things/spaceship.h"
+#include "things/thingclasses.h"
+#include "things/thingmeshes.h"
+
+namespace {
+
+class HistoryTest : public PlatformTest
+{
+protected:
+    HistoryTest()
+    {
+        LoadThingMeshes();
+        RegisterThingClasses();
+    }
+    ORVEDOCUMENT Doc;
+    ORVLEVEL& L = Doc.Level();
+    ORVEHISTORY& H = Doc.History;
+    CAMERA Cam;
+    ORVEDITOR Editor{Doc, Cam};
+
+    // One user action, as the window runs it.
+    bool Act(int id)
+    {
+        H.Begin();
+        Editor.Command(id);
+        return H.Checkpoint();
+    }
+};
+
+} // namespace
+
+TEST_F(HistoryTest, UndoAndRedoWalkBackAndForthThroughExactImages)
+{
+    L.CurrentSegment = 0;
+    L.CurrentSide = 2;
+    std::vector<std::vector<uint8_t>> images{L.Serialize()};
+    EXPECT_TRUE(Act(CM_NEWSEGMENT));
+    images.push_back(L.Serialize());
+    L.CurrentSegment = 1; // a pick: not a step of its own
+    L.CurrentSide = 1;
+    EXPECT_FALSE(H.Checkpoint());
+    EXPECT_TRUE(Act(CM_POINTXPLUS));
+    images.push_back(L.Serialize());
+    EXPECT_TRUE(Act(CM_CALCULATELIGHTING));
+    images.push_back(L.Serialize());
+    EXPECT_FALSE(Act(CM_NEXTPOINT)); // selection only
+    EXPECT_EQ(H.Steps(), 3u);
+
+    EXPECT_TRUE(H.Undo());
+    EXPECT_EQ(L.Serialize(), images[2]);
+    EXPECT_TRUE(H.Undo());
+    EXPECT_EQ(L.Serialize(), images[1]);
+    // The selection is the one the undone step started from.
+    EXPECT_EQ(L.CurrentSegment, 1);
+    EXPECT_EQ(L.CurrentSide, 1);
+    EXPECT_EQ(L.CurrentPoint, 0);
+    EXPECT_TRUE(H.Undo());
+    EXPECT_EQ(L.Serialize(), images[0]);
+    EXPECT_EQ(L.CurrentSegment, 0);
+    EXPECT_EQ(L.CurrentSide, 2);
+    EXPECT_FALSE(H.Undo());
+    EXPECT_TRUE(H.Redo());
+    EXPECT_TRUE(H.Redo());
+    EXPECT_EQ(L.Serialize(), images[2]);
+
+    // A new step drops what could have been redone; refusals add nothing.
+    L.CurrentSegment = -1;
+    EXPECT_FALSE(Act(CM_NEWSEGMENT));
+    EXPECT_TRUE(H.CanRedo());
+    L.CurrentSegment = 0;
+    EXPECT_TRUE(Act(CM_POINTYPLUS));
+    EXPECT_FALSE(H.CanRedo());
+    EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(HistoryTest, UndoingADeletedShipLeavesNothingBehind)
+{
+    Cam.Position = {10, 0, 0};
+    EXPECT_TRUE(Act(CM_ENEMYSHIP));
+    const std::vector<uint8_t> withShip = L.Serialize();
+    EXPECT_TRUE(Act(CM_DELETENEARESTTHING)); // the ship's explosion and drops arrive
+    EXPECT_NE(L.Things[1], nullptr);
+
+    EXPECT_TRUE(H.Undo());
+    EXPECT_EQ(L.Serialize(), withShip);
+    int things = 0;
+    for (int i = 0; i < MAX_THINGS; ++i)
+        things += L.Things[i] != nullptr;
+    EXPECT_EQ(things, 1);
+    EXPECT_EQ(L.Things[0]->Level, &L);
+}
+
+TEST_F(HistoryTest, MemoryStaysBoundedAndOpeningStartsAfresh)
+{
+    ORVEHISTORY small(L, L.Serialize().size() * 3);
+    L.CurrentSegment = 0;
+    for (int i = 0; i < 50; ++i)
+    {
+        small.Begin();
+        L.CalculateLighting(); // every colour changes: a step as large as the level
+        L.FullBrightness();
+        L.MovePoint(1, 0, 0);
+        EXPECT_TRUE(small.Checkpoint());
+        EXPECT_LE(small.MemoryUsed(), L.Serialize().size() * 3);
+    }
+    EXPECT_GT(small.Steps(), 0u);
+    EXPECT_LT(small.Steps(), 50u);
+
+    Act(CM_POINTZPLUS);
+    ASSERT_TRUE(H.CanUndo());
+    ASSERT_TRUE(Doc.SaveAs("history-test.ORVLevel"));
+    EXPECT_TRUE(H.CanUndo()); // saving keeps the history
+    ASSERT_TRUE(Doc.Open("history-test.ORVLevel"));
+    EXPECT_FALSE(H.CanUndo());
+    std::remove("history-test.ORVLevel");
+}
