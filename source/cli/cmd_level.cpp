@@ -1,7 +1,8 @@
-// Level file commands: new, resave, dump.
+// Level file commands: new, resave, dump, check.
 #include "cli/commands.h"
 
 #include "cli/levelfiles.h"
+#include "orvlevel/levelcheck.h"
 #include "orvlevel/leveldump.h"
 
 #include <cstdio>
@@ -30,4 +31,15 @@ int CmdDump(std::span<char* const> args)
     json += '\n';
     std::fwrite(json.data(), 1, json.size(), stdout);
     return std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+int CmdCheck(std::span<char* const> args)
+{
+    CLIDOCUMENT doc;
+    if (!doc.Open(args[0]))
+        return 1;
+    const std::vector<LEVELPROBLEM> problems = CheckLevel(doc.Level());
+    for (const LEVELPROBLEM& p : problems)
+        std::printf("%s\n", p.Text.c_str());
+    return std::fflush(stdout) == 0 && problems.empty() ? 0 : 1;
 }

@@ -9,6 +9,7 @@ const CLICOMMAND Commands[] = {
     {"new", "OUT", "save the default level", 1, 1, CmdNew},
     {"resave", "IN OUT", "load a level and save it again", 2, 2, CmdResave},
     {"dump", "IN", "print the whole level as JSON", 1, 1, CmdDump},
+    {"check", "LEVEL", "list the level's problems, one a line (exit 1 when there are any)", 1, 1, CmdCheck},
     {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
     {"simulate", "LEVEL TICKS OUT [SEED]", "run the game objects for TICKS ticks and save the result", 3, 4, CmdSimulate},
     {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},

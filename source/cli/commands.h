@@ -26,6 +26,7 @@ int RunCommandLine(int argc, char** argv);
 int CmdNew(std::span<char* const> args);
 int CmdResave(std::span<char* const> args);
 int CmdDump(std::span<char* const> args);
+int CmdCheck(std::span<char* const> args);
 
 // cmd_run.cpp
 int CmdRun(std::span<char* const> args);

@@ -130,3 +130,18 @@ TEST_F(CliTest, MeshAndWaveDescribeDataFiles)
     EXPECT_EQ(r.Err, "message [Error] File not found: " + In("none.wav").string() + "\n");
     EXPECT_EQ(r.Out, "");
 }
+
+TEST_F(CliTest, CheckListsProblemsAndExitsByThem)
+{
+    WriteText(In("fix.script"), "command 11874\nsave " + In("ok.ORVLevel").string() + "\n");
+    ASSERT_EQ(Cli({"run", In("fix.script")}).Status, 0);
+    RUN r = Cli({"check", In("ok.ORVLevel")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Out, "");
+    ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
+    r = Cli({"check", In("a.ORVLevel")});
+    EXPECT_EQ(r.Status, 1);
+    EXPECT_EQ(r.Out, "Nincs egyfős játékos kezdőpont.\n");
+    EXPECT_EQ(Cli({"check"}).Status, 2);
+    EXPECT_EQ(Cli({"check", In("missing.ORVLevel")}).Status, 1);
+}
