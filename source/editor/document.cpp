@@ -14,6 +14,15 @@ bool ORVEDOCUMENT::Open(const std::string& path)
     return true;
 }
 
+void ORVEDOCUMENT::Recover(const std::vector<uint8_t>& image, const std::optional<std::string>& fileName)
+{
+    Level().Clear();
+    Level().Deserialize(image.data(), image.size());
+    Level().FileName = fileName;
+    History.Reset();
+    SavedRevision = ~uint64_t(0); // no revision was ever saved
+}
+
 bool ORVEDOCUMENT::Save()
 {
     if (!FileName())

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class ORVEDOCUMENT
 {
@@ -31,6 +32,10 @@ public:
     // asks for one (Save as).
     bool Save();
     bool SaveAs(const std::string& path);
+    // Replaces the level with a recovered image under its old file name; the
+    // history starts afresh and the document counts as modified, since the
+    // work is in no file of the designer's.
+    void Recover(const std::vector<uint8_t>& image, const std::optional<std::string>& fileName);
 
     const std::optional<std::string>& FileName() const { return Level().FileName; }
     uint64_t Revision() const { return Level().Revision; }
