@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
 
 void QTPLATFORM::MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon)
 {
@@ -16,6 +17,15 @@ void QTPLATFORM::MessageBox(const std::string& text, const std::string& caption,
     }
     QMessageBox box(qicon, QString::fromStdString(caption), QString::fromStdString(text), QMessageBox::Ok);
     box.exec();
+}
+
+bool QTPLATFORM::Ask(const std::string& text, const std::string& caption)
+{
+    QMessageBox box(QMessageBox::Question, QString::fromStdString(caption), QString::fromStdString(text),
+                    QMessageBox::Yes | QMessageBox::No);
+    box.button(QMessageBox::Yes)->setText("Igen");
+    box.button(QMessageBox::No)->setText("Nem");
+    return box.exec() == QMessageBox::Yes;
 }
 
 void QTPLATFORM::Beep()

@@ -8,5 +8,6 @@ class QTPLATFORM : public CONSOLEPLATFORM
 {
 public:
     void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override;
+    bool Ask(const std::string& text, const std::string& caption) override;
     void Beep() override;
 };

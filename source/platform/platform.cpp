@@ -22,6 +22,12 @@ void CONSOLEPLATFORM::MessageBox(const std::string& text, const std::string& cap
     std::fflush(stderr);
 }
 
+bool CONSOLEPLATFORM::Ask(const std::string& text, const std::string& caption)
+{
+    MessageBox(text, caption, MSGICON_QUESTION);
+    return false;
+}
+
 void CONSOLEPLATFORM::Beep()
 {
     std::fputs("beep\n", stderr);
@@ -64,6 +70,11 @@ void ShowMessage(const std::string& text, const std::string& caption, MESSAGEICO
 void InfoBeep()
 {
     Current->Beep();
+}
+
+bool AskYesNo(const std::string& text, const std::string& caption)
+{
+    return Current->Ask(text, caption);
 }
 
 void FatalExit(int status)

@@ -21,6 +21,8 @@ public:
     virtual ~PLATFORM() = default;
     // Texts are UTF-8. A message box has no owner window and an OK button.
     virtual void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) = 0;
+    // A question with "yes" and "no"; true for yes.
+    virtual bool Ask(const std::string& text, const std::string& caption) = 0;
     // The information beep that answers a refused command.
     virtual void Beep() = 0;
     // Ends the program at once with the given status; nothing is cleaned up.
@@ -35,6 +37,8 @@ class CONSOLEPLATFORM : public PLATFORM
 {
 public:
     void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override;
+    // Nobody is there to answer: the question is shown and answered no.
+    bool Ask(const std::string& text, const std::string& caption) override;
     void Beep() override;
     [[noreturn]] void FatalExit(int status) override;
     uint32_t TickCount() override;
@@ -47,6 +51,7 @@ PLATFORM& Platform();
 // Shorthands used throughout the program.
 void ShowMessage(const std::string& text, const std::string& caption, MESSAGEICON icon = MSGICON_NONE);
 void InfoBeep();
+bool AskYesNo(const std::string& text, const std::string& caption);
 [[noreturn]] void FatalExit(int status);
 uint32_t GetTickCount32();
 uint32_t MonotonicMilliseconds();

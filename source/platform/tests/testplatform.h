@@ -26,11 +26,17 @@ class TESTPLATFORM : public PLATFORM
 public:
     std::vector<RECORDEDMESSAGE> Messages;
     int Beeps = 0;
+    bool Answer = false; // to every question
     uint32_t Now = 1000;
 
     void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
     {
         Messages.push_back({text, caption, icon});
+    }
+    bool Ask(const std::string& text, const std::string& caption) override
+    {
+        Messages.push_back({text, caption, MSGICON_QUESTION});
+        return Answer;
     }
     void Beep() override { ++Beeps; }
     [[noreturn]] void FatalExit(int status) override { throw FATALEXIT{status}; }
@@ -40,6 +46,7 @@ public:
     {
         Messages.clear();
         Beeps = 0;
+        Answer = false;
         Now = 1000;
     }
 };
