@@ -1,14 +1,16 @@
 #include "app/mainwindow.h"
 
+#include "app/checkdialog.h"
 #include "app/dialogs.h"
 #include "app/filedialogs.h"
 #include "graphics/drawing.h"
 #include "graphics/texture.h"
 #include "platform/platform.h"
-#include "render/gldrawing.h"
-#include "render/leveldraw.h"
+#include "render/drawlevel.h"
+#include "render/glthings.h"
 #include "render/view.h"
 
+#include <QCloseEvent>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMenuBar>
@@ -71,6 +73,7 @@ ORVEVIEW::ORVEVIEW(ORVEWINDOW& window) : QOpenGLWidget(&window), Window(window)
 ORVEVIEW::~ORVEVIEW()
 {
     makeCurrent();
+    SetExplosionTexture(nullptr);
     Window.ExplosionTexture.reset();
     Window.Doc.reset();
     RenderPtr.reset();
@@ -192,18 +195,64 @@ void ORVEWINDOW::ViewReady()
         return RunJoinDialog(host, EditorPtr->JoinShift);
     };
     ExplosionTexture = std::make_unique<TEXTURE>("SmallExplosion.bmp");
-    static DRAWING drawing;
-    drawing = Drawing();
-    drawing.ExplosionTexture = ExplosionTexture.get();
-    SetDrawing(&drawing);
+    SetExplosionTexture(ExplosionTexture.get());
+    RecoveryPtr = std::make_unique<ORVERECOVERY>(*Doc);
+    // A copy is due at most every 30 s; checking once a second costs nothing.
+    connect(&RecoveryTimer, &QTimer::timeout, this, [this] { RecoveryPtr->Tick(GetTickCount32()); });
+    RecoveryTimer.start(1000);
+    SyncMenu();
     Wake();
+    // After the first frame, so the question has the editor behind it.
+    QTimer::singleShot(0, this, [this] { OfferRecovery(); });
+}
+
+void ORVEWINDOW::OfferRecovery()
+{
+    RECOVERYCOPY copy;
+    switch (RecoveryPtr->Find(copy))
+    {
+    case ORVERECOVERY::NONE:
+        return;
+    case ORVERECOVERY::DAMAGED:
+    {
+        std::string aside = RecoveryPtr->SetAside();
+        ShowMessage("Egy korábbi futás helyreállítási másolata sérült, ezért nem töltöttem be." +
+                        (aside.empty() ? std::string() : "\nFélretettem ide:\n" + aside),
+                    TITLE, MSGICON_WARNING);
+        return;
+    }
+    case ORVERECOVERY::INTACT:
+        break;
+    }
+    std::string what = copy.FileName ? "(" + *copy.FileName + ")" : "(névtelen pálya)";
+    if (!AskYesNo("Egy korábbi futás mentetlen munkája megmaradt " + what + ".\nVisszaállítsam?", TITLE))
+    {
+        RecoveryPtr->Remove();
+        return;
+    }
+    ViewWidget->makeCurrent();
+    RecoveryPtr->Restore(copy);
+    InvalidateDisplayList(Doc->Level());
+    if (Doc->FileName())
+        UpdateTitle(*Doc->FileName());
+    SyncMenu();
+    Wake();
+}
+
+void ORVEWINDOW::closeEvent(QCloseEvent* e)
+{
+    if (RecoveryPtr)
+        RecoveryPtr->Close();
+    QMainWindow::closeEvent(e);
 }
 
 void ORVEWINDOW::BuildMenu(const MENURESOURCE& resource)
 {
     for (const MENUITEM& popup : resource.Popups)
         AddItems(menuBar()->addMenu(popup.Label), popup.Items);
-    for (const ACCELERATOR& a : resource.Accelerators)
+    std::vector<ACCELERATOR> accelerators = resource.Accelerators;
+    accelerators.insert(accelerators.end(), resource.ExtraAccelerators.begin(), resource.ExtraAccelerators.end());
+    for (const ACCELERATOR& a : accelerators)
         if (QAction* action = Action(a.Id))
         {
             action->setShortcut(QKeySequence(a.Key, QKeySequence::PortableText));
@@ -234,7 +283,8 @@ void ORVEWINDOW::AddItems(QMenu* menu, const std::vector<MENUITEM>& items)
 
 bool ORVEWINDOW::Handles(int id)
 {
-    return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || IsDialogCommand(id) || ORVEDITOR::HasCommand(id);
+    return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || id == CM_UNDO || id == CM_REDO ||
+           id == CM_CHECKLEVEL || IsDialogCommand(id) || ORVEDITOR::HasCommand(id);
 }
 
 bool ORVEWINDOW::Command(int id)
@@ -243,18 +293,31 @@ bool ORVEWINDOW::Command(int id)
         return false;
     // Commands may create or delete textures: the view's context is needed.
     ViewWidget->makeCurrent();
+    ORVEHISTORY& history = Doc->History;
+    history.Begin();
     switch (id)
     {
     case CM_OPEN: Open(); break;
     case CM_SAVE: Save(); break;
     case CM_SAVEAS: SaveAs(); break;
+    case CM_UNDO:
+        if (!history.Undo())
+            InfoBeep();
+        break;
+    case CM_REDO:
+        if (!history.Redo())
+            InfoBeep();
+        break;
+    case CM_CHECKLEVEL: RunCheckDialog(Doc->Level(), this); break;
     default:
         if (IsDialogCommand(id))
             RunDialog(id);
         else
             EditorPtr->Command(id);
     }
-    SyncModes();
+    // Whatever the command changed is one step.
+    history.Checkpoint();
+    SyncMenu();
     Wake();
     return true;
 }
@@ -267,7 +330,21 @@ void ORVEWINDOW::RunDialog(int id)
 
 DIALOGHOST ORVEWINDOW::Host()
 {
-    return DIALOGHOST{*Doc, ViewWidget->Render()->Camera, this, [this] { ViewWidget->makeCurrent(); }, [] {}};
+    return DIALOGHOST{*Doc, ViewWidget->Render()->Camera, this, [this] { ViewWidget->makeCurrent(); },
+                      [this] {
+                          Doc->History.Checkpoint();
+                          SyncMenu();
+                          Wake();
+                      }};
+}
+
+void ORVEWINDOW::SyncMenu()
+{
+    SyncModes();
+    if (QAction* a = Action(CM_UNDO))
+        a->setEnabled(Doc && Doc->History.CanUndo());
+    if (QAction* a = Action(CM_REDO))
+        a->setEnabled(Doc && Doc->History.CanRedo());
 }
 
 void ORVEWINDOW::SyncModes()
@@ -286,8 +363,11 @@ void ORVEWINDOW::LeftClick(int x, int y)
         return;
     EditorPtr->ClientWidth = ViewWidget->PixelWidth();
     EditorPtr->ClientHeight = ViewWidget->PixelHeight();
+    ViewWidget->makeCurrent();
+    Doc->History.Begin();
     EditorPtr->LeftClick(x, y);
-    SyncModes();
+    Doc->History.Checkpoint(); // a join or a fit is a step; a pick is not
+    SyncMenu();
     Wake();
 }
 
@@ -318,6 +398,7 @@ void ORVEWINDOW::Open()
         return;
     if (!Doc->Open(path))
         return; // the level said why; nothing changed
+    RecoveryPtr->Remove();
     InvalidateDisplayList(Doc->Level());
     UpdateTitle(path);
 }
@@ -326,8 +407,8 @@ void ORVEWINDOW::Save()
 {
     if (!Doc->FileName())
         SaveAs();
-    else
-        Doc->Save();
+    else if (Doc->Save())
+        RecoveryPtr->Remove();
 }
 
 void ORVEWINDOW::SaveAs()
@@ -335,8 +416,10 @@ void ORVEWINDOW::SaveAs()
     std::string path = SaveFileDialog(LEVEL_EXT, LEVEL_FILTER);
     if (path.empty())
         return;
-    if (Doc->SaveAs(path))
-        UpdateTitle(path);
+    if (!Doc->SaveAs(path))
+        return;
+    RecoveryPtr->Remove();
+    UpdateTitle(path);
 }
 
 // ---------------------------------------------------------------------------
@@ -375,9 +458,9 @@ void ORVEWINDOW::Step()
     ORVERENDER& view = *ViewWidget->Render();
     if (FrameStale())
     {
-        const uint32_t before = view.FrameTimer.Start;
+        const uint32_t before = view.FrameTimer->Start;
         view.Update();
-        if (view.FrameTimer.Start != before || !AnyFrameDrawn)
+        if (view.FrameTimer->Start != before || !AnyFrameDrawn)
         {
             DrawnKey = CurrentKey();
             AnyFrameDrawn = true;
@@ -406,11 +489,11 @@ void ORVEWINDOW::ScheduleNextStep()
     const ORVERENDER& view = *ViewWidget->Render();
     int delay = -1;
     if (KernelPtr->Moving())
-        delay = std::min(until(KernelPtr->FrameTimer), until(view.FrameTimer));
+        delay = std::min(until(KernelPtr->FrameTimer), until(*view.FrameTimer));
     else if (!AnyFrameDrawn || !(CurrentKey() == DrawnKey))
-        delay = until(view.FrameTimer);
+        delay = until(*view.FrameTimer);
     else if (Doc->Level().GetCurrentSide() && Doc->Level().BlinkTimer)
-        delay = std::max(until(*Doc->Level().BlinkTimer), until(view.FrameTimer));
+        delay = std::max(until(*Doc->Level().BlinkTimer), until(*view.FrameTimer));
     if (delay >= 0)
         StepTimer.start(delay);
 }

@@ -8,6 +8,7 @@
 #include "app/menuresource.h"
 #include "editor/controller.h"
 #include "editor/kernel.h"
+#include "editor/recovery.h"
 
 #include <QMainWindow>
 #include <QOpenGLWidget>
@@ -75,6 +76,14 @@ public:
     void Step();
     // Something may have changed: run a pass soon.
     void Wake();
+    ORVERECOVERY* Recovery() { return RecoveryPtr.get(); }
+    // Offers a recovery copy left by an editor that did not close cleanly.
+    void OfferRecovery();
+
+protected:
+    void closeEvent(QCloseEvent* e) override;
+
+public:
 
     // Whether the window runs the command (the menu enables by this).
     static bool Handles(int id);
@@ -87,6 +96,8 @@ private:
     void BuildMenu(const MENURESOURCE& resource);
     void AddItems(QMenu* menu, const std::vector<MENUITEM>& items);
     void SyncModes();
+    // Menu states that follow the document: the mode check marks, undo, redo.
+    void SyncMenu();
     void Open();
     void Save();
     void SaveAs();
@@ -108,6 +119,8 @@ private:
     std::unique_ptr<ORVEDITOR> EditorPtr;
     std::unique_ptr<KERNEL> KernelPtr;
     std::unique_ptr<TEXTURE> ExplosionTexture;
+    std::unique_ptr<ORVERECOVERY> RecoveryPtr;
+    QTimer RecoveryTimer;
     std::map<int, QAction*> Actions;
     QTimer StepTimer;
 

@@ -39,5 +39,7 @@ MENURESOURCE LoadMenuResource(const QString& file)
         r.Popups.push_back(ReadItem(v.toObject()));
     for (const QJsonValue& v : root["accelerators"].toArray())
         r.Accelerators.push_back({v.toObject()["key"].toString(), v.toObject()["id"].toInt()});
+    for (const QJsonValue& v : root["extraAccelerators"].toArray())
+        r.ExtraAccelerators.push_back({v.toObject()["key"].toString(), v.toObject()["id"].toInt()});
     return r;
 }

@@ -30,6 +30,9 @@ struct MENURESOURCE
 {
     std::vector<MENUITEM> Popups;
     std::vector<ACCELERATOR> Accelerators;
+    // Shortcuts of the commands this editor adds (undo and redo), kept apart
+    // from the table above.
+    std::vector<ACCELERATOR> ExtraAccelerators;
 };
 
 // Reads the resource ":/menu.json" (or another file); empty on failure.

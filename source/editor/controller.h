@@ -55,6 +55,10 @@ enum ORVECOMMAND
     CM_LASERBOOST = 11880,
     CM_SHIPLEVEL = 11881,
     CM_FITMODE = 11882,
+    // Beyond the menu of the game's own editor: undo, redo and diagnostics.
+    CM_UNDO = 11883,
+    CM_REDO = 11884,
+    CM_CHECKLEVEL = 11885,
 };
 
 class ORVEDITOR;
