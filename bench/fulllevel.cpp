@@ -145,9 +145,9 @@ void PutSegmentBack(ORVLEVEL& level, const SEGMENTSNAPSHOT& shot)
     {
         int32_t p = shot.Segment.Corners[c];
         if (!level.Points[p])
-            level.Points[p] = new VECTOR3D(shot.Corners[c]);
+            level.PutPoint(p, shot.Corners[c]);
     }
-    level.Segments[shot.Index] = new SEGMENT(shot.Segment);
+    level.PutSegment(shot.Index, shot.Segment);
     for (int i = 0; i < 6; ++i)
         if (int32_t n = shot.Segment.Neighbours[i]; n != -1 && shot.Linked[i])
         {

@@ -27,8 +27,7 @@ void LiteralDeleteSegment(ORVLEVEL& level, int32_t index)
     for (int i = 0; i < 6; ++i)
         if (s->Neighbours[i] != -1)
             level.Unlink(index, i);
-    delete s;
-    level.Segments[index] = nullptr;
+    level.DropSegment(index);
     LiteralRemoveUnusedPoints(level);
 }
 

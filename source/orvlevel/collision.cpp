@@ -1,6 +1,7 @@
 // Points against the solid sides of the level, and sight through the chain
 // of segments between two points.
 #include "orvlevel/level.h"
+#include "orvlevel/levelindex.h"
 
 #include "math/geometry.h"
 #include "platform/platform.h"
@@ -26,6 +27,15 @@ inline VECTOR3D Max(VECTOR3D a, VECTOR3D b)
 inline float Magnitude(VECTOR3D a)
 {
     return std::max(std::fabs(a.x), std::max(std::fabs(a.y), std::fabs(a.z)));
+}
+
+// How far beyond `distance` a wall must lie from the tested point or path to
+// be left untested. Besides a unit of room it covers the rounding of the
+// tests: the edge test's distance from a difference of squares errs by up to
+// a thousandth of the lengths involved (coordinates, wall size, distance).
+inline double CollisionReach(double distance, double magnitude, double extent)
+{
+    return distance + 1.0 + 2.0e-3 * (magnitude + extent + distance);
 }
 
 // The triangle test proper; w receives the factor of the last correction
@@ -172,8 +182,8 @@ bool ORVLEVEL::CollideSegmentAt(VECTOR3D* from, SEGMENT& s, int32_t index, float
         cellHi = haveBox ? Max(cellHi, *p) : *p;
         haveBox = true;
     }
-    float reach = (distance > 0.0f ? distance : 0.0f) + 1.0f +
-                  0.0001f * std::max(Magnitude(lo), Magnitude(hi));
+    float reach = float(CollisionReach(distance > 0.0f ? distance : 0.0f, std::max(Magnitude(lo), Magnitude(hi)),
+                                       Magnitude(cellHi - cellLo)));
     bool outOfReach = !haveBox || cellLo.x > hi.x + reach || cellLo.y > hi.y + reach ||
                       cellLo.z > hi.z + reach || cellHi.x < lo.x - reach || cellHi.y < lo.y - reach ||
                       cellHi.z < lo.z - reach;
@@ -235,11 +245,68 @@ bool ORVLEVEL::CollidePoint(VECTOR3D* from, int32_t mode, SEGMENT* start, float 
     }
     if (mode < 0 || mode > 2)
         return false;
+    return CollideEverySegment(from, distance, swept, to, correct);
+}
+
+bool ORVLEVEL::CollideEverySegment(VECTOR3D* from, float distance, bool swept, VECTOR3D* to, bool correct)
+{
+    LEVELINDEX& index = CurrentIndex();
+    // The box of the tested point, or of the path, as corrections leave it.
+    auto region = [&](double lo[3], double hi[3]) {
+        VECTOR3D a = *from, b = swept ? *to : *from;
+        lo[0] = std::min(a.x, b.x), lo[1] = std::min(a.y, b.y), lo[2] = std::min(a.z, b.z);
+        hi[0] = std::max(a.x, b.x), hi[1] = std::max(a.y, b.y), hi[2] = std::max(a.z, b.z);
+    };
+    const double d = distance > 0.0f ? distance : 0.0;
+    // How far corrections may move the point before the segments near it
+    // are sought again.
+    const double slack = index.Cell * 0.5;
     bool hit = false;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
-        if (Segments[s])
-            hit |= CollideSegmentAt(from, *Segments[s], s, distance, swept, to, correct);
-    return hit;
+    int32_t first = 0; // segments below it are done
+    for (;;)
+    {
+        double lo[3], hi[3];
+        region(lo, hi);
+        double magnitude = 0;
+        bool tame = true;
+        for (int k = 0; k < 3; ++k)
+        {
+            tame = tame && LEVELINDEX::Tame(lo[k]) && LEVELINDEX::Tame(hi[k]);
+            magnitude = std::max(magnitude, std::max(std::fabs(lo[k]), std::fabs(hi[k])));
+        }
+        double reach = CollisionReach(d, magnitude + slack, index.Extent) + slack;
+        if (!tame || !LEVELINDEX::Tame(reach))
+        {
+            // Beyond what the grid can answer for: every segment.
+            for (int32_t s = first; s < MAX_SEGMENTS; ++s)
+                if (Segments[s])
+                    hit |= CollideSegmentAt(from, *Segments[s], s, distance, swept, to, correct);
+            return hit;
+        }
+        double qlo[3], qhi[3];
+        for (int k = 0; k < 3; ++k)
+        {
+            qlo[k] = lo[k] - reach;
+            qhi[k] = hi[k] + reach;
+        }
+        bool moved = false;
+        for (int32_t s : index.SegmentsNear(qlo, qhi, first))
+        {
+            double nlo[3], nhi[3];
+            region(nlo, nhi);
+            for (int k = 0; k < 3 && !moved; ++k)
+                moved = !(nlo[k] >= lo[k] - slack && nhi[k] <= hi[k] + slack);
+            if (moved)
+            {
+                first = s;
+                break;
+            }
+            if (Segments[s])
+                hit |= CollideSegmentAt(from, *Segments[s], s, distance, swept, to, correct);
+        }
+        if (!moved)
+            return hit;
+    }
 }
 
 // ---------------------------------------------------------------------------

@@ -1,4 +1,5 @@
 #include "orvlevel/level.h"
+#include "orvlevel/levelindex.h"
 #include "platform/newordie.h"
 
 #include "graphics/texture.h"
@@ -74,6 +75,7 @@ ORVLEVEL::ORVLEVEL(const char* fileName)
     {
         try
         {
+            AllocateStores();
             AllocateTables();
         }
         catch (const std::bad_alloc&)
@@ -101,6 +103,7 @@ ORVLEVEL::ORVLEVEL(const char* fileName)
         Clear();
         delete BlinkTimer;
         BlinkTimer = nullptr;
+        FreeStores();
         throw;
     }
     if (fileName && fileName[0])
@@ -112,6 +115,28 @@ ORVLEVEL::~ORVLEVEL()
     Clear();
     delete BlinkTimer;
     BlinkTimer = nullptr;
+    FreeStores();
+}
+
+void ORVLEVEL::AllocateStores()
+{
+    // Raw memory: pages nobody fills are never touched.
+    if (!PointStore)
+        PointStore = static_cast<VECTOR3D*>(::operator new(sizeof(VECTOR3D) * MAX_POINTS));
+    if (!SegmentStore)
+        SegmentStore = static_cast<SEGMENT*>(::operator new(sizeof(SEGMENT) * MAX_SEGMENTS));
+    if (!Index)
+        Index = new LEVELINDEX;
+}
+
+void ORVLEVEL::FreeStores()
+{
+    ::operator delete(PointStore);
+    PointStore = nullptr;
+    ::operator delete(SegmentStore);
+    SegmentStore = nullptr;
+    delete Index;
+    Index = nullptr;
 }
 
 void ORVLEVEL::BuildDefault()
@@ -121,10 +146,11 @@ void ORVLEVEL::BuildDefault()
     FreeHint[TABLE_TEXTURES] = 1;
 
     for (int i = 0; i < 8; ++i)
-        Points[i] = NewOrDie<VECTOR3D>(text, DefaultCubeCorners[i]);
+        PutPoint(i, DefaultCubeCorners[i]);
     FreeHint[TABLE_POINTS] = 8;
 
-    SEGMENT* s = NewOrDie<SEGMENT>(text);
+    SEGMENT cube;
+    SEGMENT* s = &cube;
     for (int i = 0; i < 8; ++i)
         s->Corners[i] = i;
     for (SIDE& side : s->Sides)
@@ -136,7 +162,7 @@ void ORVLEVEL::BuildDefault()
         side.TexCoords[2] = {0, 0};
         side.TexCoords[3] = {1, 0};
     }
-    Segments[0] = s;
+    PutSegment(0, cube);
     FreeHint[TABLE_SEGMENTS] = 1;
 }
 
@@ -188,8 +214,7 @@ void ORVLEVEL::DestroyThings()
 void ORVLEVEL::FreeTables()
 {
     DestroyThings();
-    DestroyAll(Points, MAX_POINTS);
-    DestroyAll(Segments, MAX_SEGMENTS);
+    // Points and segments live in the stores: nothing to destroy one by one.
     DestroyAll(Textures, MAX_TEXTURES);
     DestroyAll(Lights, MAX_LIGHTS);
     DestroyAll(SpecPoints, MAX_SPECPOINTS);
@@ -205,6 +230,8 @@ void ORVLEVEL::FreeTables()
 
 void ORVLEVEL::Clear()
 {
+    if (Index)
+        Index->Built = false; // whatever comes next is a new level
     FreeTables();
     delete InvisibleSideTexture;
     InvisibleSideTexture = nullptr;
@@ -215,14 +242,14 @@ void ORVLEVEL::Clear()
 // ---------------------------------------------------------------------------
 // Adding
 
+// Points and segments need no allocation: their room is in the stores.
 int32_t ORVLEVEL::Add(VECTOR3D p)
 {
     int32_t i = FindFree(Points, MAX_POINTS, FreeHint[TABLE_POINTS]);
     if (i < 0)
         return -1;
-    Points[i] = NewOrDie<VECTOR3D>("ORVLEVEL::Add(VECTOR3D): not enough mem.", p);
+    PutPoint(i, p);
     FreeHint[TABLE_POINTS] = i + 1;
-    Changed();
     return i;
 }
 
@@ -233,10 +260,30 @@ int32_t ORVLEVEL::Add(const SEGMENT* s)
     int32_t i = FindFree(Segments, MAX_SEGMENTS, FreeHint[TABLE_SEGMENTS]);
     if (i < 0)
         return -1;
-    Segments[i] = NewOrDie<SEGMENT>("Add(SEGMENT*): not enough mem.", *s);
+    PutSegment(i, *s);
     FreeHint[TABLE_SEGMENTS] = i + 1;
-    Changed();
     return i;
+}
+
+bool ORVLEVEL::PutPoint(int32_t index, VECTOR3D p)
+{
+    if (!Points || index < 0 || index >= MAX_POINTS)
+        return false;
+    Points[index] = new (&PointStore[index]) VECTOR3D(p);
+    Changed();
+    return true;
+}
+
+bool ORVLEVEL::PutSegment(int32_t index, const SEGMENT& s)
+{
+    if (!Segments || index < 0 || index >= MAX_SEGMENTS)
+        return false;
+    SEGMENT* slot = &SegmentStore[index];
+    if (&s != slot) // the argument may be the slot's own segment
+        new (slot) SEGMENT(s);
+    Segments[index] = slot;
+    Changed();
+    return true;
 }
 
 int32_t ORVLEVEL::Add(const char* textureFile)
@@ -299,9 +346,17 @@ void ORVLEVEL::DeletePoint(int32_t index)
 {
     if (!PointPtr(index))
         return;
-    delete Points[index];
     Points[index] = nullptr;
     SlotFreed(TABLE_POINTS, index);
+    Changed();
+}
+
+void ORVLEVEL::DropSegment(int32_t index)
+{
+    if (!SegmentAt(index))
+        return;
+    Segments[index] = nullptr;
+    SlotFreed(TABLE_SEGMENTS, index);
     Changed();
 }
 
@@ -585,10 +640,14 @@ int32_t ORVLEVEL::SegmentIndexOf(const SEGMENT* s) const
 {
     if (!s || !Segments)
         return -1;
-    for (int i = 0; i < MAX_SEGMENTS; ++i)
-        if (Segments[i] == s)
-            return i;
-    return -1;
+    // A slot's segment sits at its own place in the store, so the address
+    // names the only slot that can hold it.
+    uintptr_t at = reinterpret_cast<uintptr_t>(s);
+    uintptr_t first = reinterpret_cast<uintptr_t>(SegmentStore);
+    if (at < first || (at - first) % sizeof(SEGMENT) != 0 || (at - first) / sizeof(SEGMENT) >= MAX_SEGMENTS)
+        return -1;
+    int32_t i = int32_t((at - first) / sizeof(SEGMENT));
+    return Segments[i] == s ? i : -1;
 }
 
 int32_t ORVLEVEL::SideTowards(int32_t a, int32_t b) const
@@ -613,38 +672,44 @@ int32_t ORVLEVEL::SideTowardsPtr(int32_t a, const SEGMENT* b) const
     return -1;
 }
 
+bool ORVLEVEL::SegmentHolds(const SEGMENT& seg, VECTOR3D p) const
+{
+    for (int i = 0; i < 6; ++i)
+    {
+        VECTOR3D* c[4];
+        if (!SidePoints(seg, i, c))
+            return false; // a broken cell contains nothing
+        VECTOR3D n = TriangleNormal(*c[0], *c[1], *c[2]);
+        if (CosAngle(p - *c[0], n) < 0)
+            return false;
+    }
+    return true;
+}
+
 int32_t ORVLEVEL::FindSegment(VECTOR3D p, SEGMENT** found) const
 {
     if (found)
         *found = nullptr;
     if (!Segments)
         return -1;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
-    {
-        const SEGMENT* seg = Segments[s];
-        if (!seg)
-            continue;
-        bool inside = true;
-        for (int i = 0; i < 6 && inside; ++i)
-        {
-            VECTOR3D* c[4];
-            if (!SidePoints(*seg, i, c))
-            {
-                inside = false; // a broken cell contains nothing
-                break;
-            }
-            VECTOR3D n = TriangleNormal(*c[0], *c[1], *c[2]);
-            if (CosAngle(p - *c[0], n) < 0)
-                inside = false;
-        }
-        if (inside)
-        {
-            if (found)
-                *found = Segments[s];
-            return s;
-        }
-    }
-    return -1;
+    auto holds = [this, p](int32_t s) { return Segments[s] && SegmentHolds(*Segments[s], p); };
+    int32_t s = -1;
+    if (LEVELINDEX::Tame(p))
+        s = CurrentIndex().FirstHolding(p, holds);
+    else // undefined or huge coordinates pass every plane test: only the scan answers alike
+        for (int i = 0; i < MAX_SEGMENTS && s < 0; ++i)
+            if (holds(i))
+                s = i;
+    if (s >= 0 && found)
+        *found = Segments[s];
+    return s;
+}
+
+LEVELINDEX& ORVLEVEL::CurrentIndex() const
+{
+    if (!Index->Built || Index->Revision != Revision)
+        Index->Update(*this);
+    return *Index;
 }
 
 bool ORVLEVEL::FindSpecPoint(VECTOR3D* position) const

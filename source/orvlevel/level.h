@@ -17,6 +17,7 @@ class TEXTURE;
 class THING;
 class BINWRITER;
 struct CAMERA;
+struct LEVELINDEX;
 
 constexpr int MAX_POINTS = 40000;
 constexpr int MAX_SEGMENTS = 5000;
@@ -124,6 +125,10 @@ extern const VECTOR3D DefaultCubeCorners[8];
 class ORVLEVEL
 {
 public:
+    // A point or segment lives in storage the level owns, at its own slot:
+    // Points[i] is null or &PointStore[i], and the same for segments. Fill
+    // slots with Add, PutPoint or PutSegment, never with new; empty them
+    // with DeletePoint, DeleteSegment or DropSegment.
     VECTOR3D** Points = nullptr;
     SEGMENT** Segments = nullptr;
     TEXTURE** Textures = nullptr;
@@ -177,8 +182,18 @@ public:
     // Null or a full table: -1, and the thing stays the caller's.
     int32_t AddThing(THING* t);
 
+    // Fill slot `index` whatever it held, as the file reader does (the
+    // free-slot search is not disturbed: it only relies on the slots below
+    // its hint being in use). False for an index outside the table or a
+    // level without tables.
+    bool PutPoint(int32_t index, VECTOR3D p);
+    bool PutSegment(int32_t index, const SEGMENT& s);
+
     // Deleting.
     void DeletePoint(int32_t index);
+    // Empties a segment slot and nothing else: links and points stay as they
+    // are. Editing uses DeleteSegment.
+    void DropSegment(int32_t index);
     void RemoveUnusedPoints();
     void DeleteTexture(int32_t index);
     void DeleteTextureAt(int32_t position);
@@ -329,6 +344,8 @@ public:
     void RestoreImage(const uint8_t* data, size_t size);
 
 private:
+    friend class LEVELREADER;
+
     // Indices into FreeHint.
     enum TABLEID
     {
@@ -378,6 +395,8 @@ private:
     SIDE* SideAt(int32_t segment, int32_t side) const;
     // The four corner points of a side, false when one is missing.
     bool SidePoints(const SEGMENT& s, int side, VECTOR3D* out[4]) const;
+    // FindSegment's test: p is on the inner side of all six side planes.
+    bool SegmentHolds(const SEGMENT& seg, VECTOR3D p) const;
     int32_t TextureIndexAt(int32_t position) const;
     // Segment construction and editing
     // At least `needed` free slots in a table, counted from its hint.
@@ -390,6 +409,21 @@ private:
     bool MovedSideCorners(const SEGMENT& s, int32_t& index, int side, VECTOR3D c[4]) const;
     bool CollideSegmentAt(VECTOR3D* from, SEGMENT& s, int32_t index, float distance, bool swept,
                           VECTOR3D* to, bool correct);
+    // Mode 0: every segment in index order, skipping those out of reach.
+    bool CollideEverySegment(VECTOR3D* from, float distance, bool swept, VECTOR3D* to, bool correct);
+
+    // Room for every point and segment slot, kept from construction to
+    // destruction so that loading allocates nothing per record. Uninitialised
+    // until a slot is filled.
+    VECTOR3D* PointStore = nullptr;
+    SEGMENT* SegmentStore = nullptr;
+    void AllocateStores();
+    void FreeStores();
+
+    // The spatial index behind picking, FindSegment and collision, brought up
+    // to date from Revision before each use (see levelindex.h).
+    mutable LEVELINDEX* Index = nullptr;
+    LEVELINDEX& CurrentIndex() const;
 
     // Lowest slot that may be free in each table: every slot below is in use.
     int FreeHint[6] = {};

@@ -1,6 +1,7 @@
 // Building and changing the level's geometry: picking sides, extruding,
 // joining and deleting segments, moving points and placing textures.
 #include "orvlevel/level.h"
+#include "orvlevel/levelindex.h"
 
 #include "math/camera.h"
 #include "math/geometry.h"
@@ -71,13 +72,14 @@ void ORVLEVEL::PickSide(int x, int y, const CAMERA& camera, int width, int heigh
     VECTOR3D o = camera.Position;
     VECTOR3D d = camera.ViewDir + sx * camera.Right - sy * camera.Up;
 
+    // The nearest hit wins; among hits at the same distance the first in
+    // index order (segment, then side), as a scan in that order finds.
     float best = PICK_FAR;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
-    {
+    int32_t bestSegment = -1;
+    int bestSide = 0;
+    auto test = [&](int32_t s) {
         const SEGMENT* seg = Segments[s];
-        if (!seg)
-            continue;
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; seg && i < 6; ++i)
         {
             VECTOR3D* c[4];
             if (!SidePoints(*seg, i, c))
@@ -85,13 +87,25 @@ void ORVLEVEL::PickSide(int x, int y, const CAMERA& camera, int width, int heigh
             float t, u, v;
             bool hit = IntersectRayTriangle(*c[0], *c[1], *c[2], o, d, &t, &u, &v, true) ||
                        IntersectRayTriangle(*c[0], *c[2], *c[3], o, d, &t, &u, &v, true);
-            if (hit && best > t)
+            if (hit && (t < best || (t == best && bestSegment >= 0 &&
+                                     (s < bestSegment || (s == bestSegment && i < bestSide)))))
             {
                 best = t;
-                CurrentSide = i;
-                CurrentSegment = s;
+                bestSegment = s;
+                bestSide = i;
             }
         }
+        return bestSegment >= 0 ? double(best) : INFINITY;
+    };
+    if (LEVELINDEX::Tame(o) && LEVELINDEX::Tame(d) && !(d == VECTOR3D()))
+        CurrentIndex().TraceRay(o, d, test);
+    else // a ray the grid cannot follow
+        for (int s = 0; s < MAX_SEGMENTS; ++s)
+            test(s);
+    if (bestSegment >= 0)
+    {
+        CurrentSide = bestSide;
+        CurrentSegment = bestSegment;
     }
 }
 
@@ -292,8 +306,7 @@ void ORVLEVEL::DeleteSegment(int32_t index)
     for (int i = 0; i < 6; ++i)
         if (s->Neighbours[i] != -1)
             Unlink(index, i);
-    delete s;
-    Segments[index] = nullptr;
+    Segments[index] = nullptr; // its room in the store waits for the next segment
     SlotFreed(TABLE_SEGMENTS, index);
     Changed();
     RemoveUnusedPoints();

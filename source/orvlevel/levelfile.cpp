@@ -10,7 +10,11 @@
 #include "platform/platform.h"
 #include "things/thing.h"
 
+#include <bit>
 #include <cerrno>
+#include <cstddef>
+#include <limits>
+#include <type_traits>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -103,37 +107,21 @@ std::string Printf(const char* pattern, ARGS... args)
 // ---------------------------------------------------------------------------
 // Writing
 
-void WriteSide(BINWRITER& w, const SIDE& s)
-{
-    w.U32(s.RecordSize);
-    w.I32(s.Texture);
-    w.I32(s.WallType);
-    for (const TEXPAIR& t : s.TexCoords)
-    {
-        w.F32(t.s);
-        w.F32(t.t);
-    }
-    for (const VECTOR3D& c : s.Colours)
-        w.Vec(c);
-    w.U32(s.Door.RecordSize);
-    w.I32(s.Door.State);
-    w.F32(s.Door.Opening);
-    w.I32(s.Door.Reserved);
-    w.I32(s.Door.SlideEdge);
-}
+// The records' memory layout is their file layout, so points and segments
+// are copied whole rather than field by field.
+static_assert(std::endian::native == std::endian::little && std::numeric_limits<float>::is_iec559);
+static_assert(std::is_trivially_copyable_v<SEGMENT> && std::is_standard_layout_v<SEGMENT>);
+static_assert(sizeof(VECTOR3D) == 12 && sizeof(DOOR) == DOOR_RECORD_SIZE && sizeof(SIDE) == SIDE_RECORD_SIZE &&
+              sizeof(SEGMENT) == SEGMENT_RECORD_SIZE);
+static_assert(offsetof(SEGMENT, Sides) == SEGMENT_HEAD_SIZE && offsetof(SIDE, Door) == SIDE_HEAD_SIZE &&
+              offsetof(SEGMENT, Type) == OLD_SEGMENT_RECORD_SIZE);
 
-// A segment is always written in the present layout, whatever size it was
-// read with.
-void WriteSegment(BINWRITER& w, const SEGMENT& s)
+// n more bytes at the end of the image, to be filled through the pointer.
+uint8_t* Grow(BINWRITER& w, size_t n)
 {
-    w.U32(SEGMENT_RECORD_SIZE);
-    for (int32_t n : s.Neighbours)
-        w.I32(n);
-    for (int32_t c : s.Corners)
-        w.I32(c);
-    for (const SIDE& side : s.Sides)
-        WriteSide(w, side);
-    w.I32(s.Type);
+    size_t at = w.Bytes.size();
+    w.Bytes.resize(at + n);
+    return w.Bytes.data() + at;
 }
 
 template <class T>
@@ -146,9 +134,13 @@ int CountOf(T* const* table, int count)
     return n;
 }
 
+} // namespace
+
 // ---------------------------------------------------------------------------
 // Reading
 
+// Reads a file image into a level; a friend of the level, so that points and
+// segments are copied straight into their slots.
 class LEVELREADER
 {
 public:
@@ -256,11 +248,12 @@ private:
         bool first = true;
         while (NextIndex(index, L.Points, MAX_POINTS, first, SECTION_POINTS))
         {
-            if (!Need(12, SECTION_POINTS))
+            if (!Need(sizeof(VECTOR3D), SECTION_POINTS))
                 return;
-            VECTOR3D p;
-            In.Vec(p);
-            L.Points[index] = NewOrDie<VECTOR3D>(MSG_NOMEM_LOAD, p);
+            // Straight into the slot's room in the store.
+            std::memcpy(&L.PointStore[index], In.Data + In.Pos, sizeof(VECTOR3D));
+            In.Pos += sizeof(VECTOR3D);
+            L.Points[index] = &L.PointStore[index];
         }
     }
 
@@ -286,37 +279,18 @@ private:
                     return Stop(Printf(MSG_BAD_DOOR_SIZE, unsigned(doorSize)));
                 latched = true;
             }
+            // Sizes are checked above, so a record is the segment's own bytes,
+            // without the type in the older layout.
             bool hasType = sideSize * 6 + SEGMENT_HEAD_SIZE < segSize;
-            if (!Need(SEGMENT_HEAD_SIZE + 6 * (SIDE_HEAD_SIZE + doorSize) + (hasType ? 4 : 0), SECTION_SEGMENTS))
+            size_t bytes = hasType ? SEGMENT_RECORD_SIZE : OLD_SEGMENT_RECORD_SIZE;
+            if (!Need(bytes, SECTION_SEGMENTS))
                 return;
-
-            SEGMENT s;
-            In.U32(s.RecordSize);
-            for (int32_t& n : s.Neighbours)
-                In.I32(n);
-            for (int32_t& c : s.Corners)
-                In.I32(c);
-            for (SIDE& side : s.Sides)
-            {
-                In.U32(side.RecordSize);
-                In.I32(side.Texture);
-                In.I32(side.WallType);
-                for (TEXPAIR& t : side.TexCoords)
-                {
-                    In.F32(t.s);
-                    In.F32(t.t);
-                }
-                for (VECTOR3D& c : side.Colours)
-                    In.Vec(c);
-                In.U32(side.Door.RecordSize);
-                In.I32(side.Door.State);
-                In.F32(side.Door.Opening);
-                In.I32(side.Door.Reserved);
-                In.I32(side.Door.SlideEdge);
-            }
-            if (hasType)
-                In.I32(s.Type);
-            L.Segments[index] = NewOrDie<SEGMENT>(MSG_NOMEM_LOAD, s);
+            SEGMENT* s = &L.SegmentStore[index];
+            std::memcpy(s, In.Data + In.Pos, bytes);
+            In.Pos += bytes;
+            if (!hasType)
+                s->Type = SEGTYPE_NORMAL;
+            L.Segments[index] = s;
         }
     }
 
@@ -429,8 +403,6 @@ private:
     }
 };
 
-} // namespace
-
 // ---------------------------------------------------------------------------
 
 std::vector<uint8_t> ORVLEVEL::Serialize() const
@@ -452,19 +424,28 @@ std::vector<uint8_t> ORVLEVEL::Serialize() const
     w.Raw(LEVEL_MAGIC, sizeof LEVEL_MAGIC);
     w.Raw(Name, LEVEL_NAME_SIZE);
 
+    // Points and segments go straight into room made for the whole section.
+    uint8_t* out = Grow(w, size_t(points) * (4 + sizeof(VECTOR3D)));
     for (int i = 0; Points && i < MAX_POINTS; ++i)
         if (Points[i])
         {
-            w.I32(i);
-            w.Vec(*Points[i]);
+            std::memcpy(out, &i, 4);
+            std::memcpy(out + 4, Points[i], sizeof(VECTOR3D));
+            out += 4 + sizeof(VECTOR3D);
         }
     w.I32(END_OF_SECTION);
 
+    // A segment is always written in the present layout, whatever size it
+    // was read with.
+    const uint32_t recordSize = SEGMENT_RECORD_SIZE;
+    out = Grow(w, size_t(segments) * (4 + SEGMENT_RECORD_SIZE));
     for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
         if (Segments[i])
         {
-            w.I32(i);
-            WriteSegment(w, *Segments[i]);
+            std::memcpy(out, &i, 4);
+            std::memcpy(out + 4, &recordSize, 4);
+            std::memcpy(out + 8, reinterpret_cast<const uint8_t*>(Segments[i]) + 4, SEGMENT_RECORD_SIZE - 4);
+            out += 4 + SEGMENT_RECORD_SIZE;
         }
     w.I32(END_OF_SECTION);
 
@@ -567,9 +548,10 @@ bool ORVLEVEL::Save()
 bool ORVLEVEL::LoadLevel(const char* fileName)
 {
     std::string name = fileName ? fileName : "";
-    std::vector<uint8_t> image;
+    std::unique_ptr<uint8_t[]> image;
+    size_t size = 0;
     // Nothing is destroyed until the whole file is in memory.
-    if (!ReadWholeFile(name, image))
+    if (!ReadWholeFile(name, image, size))
     {
         ShowMessage(Format(MSG_CANNOT_READ, name), MSG_CAPTION, MSGICON_STOP);
         return false;
@@ -591,6 +573,6 @@ bool ORVLEVEL::LoadLevel(const char* fileName)
     {
         FatalMessage(MSG_NOMEM_LOAD);
     }
-    Deserialize(image.data(), image.size());
+    Deserialize(image.get(), size);
     return true;
 }

@@ -1,5 +1,6 @@
 // Little-endian field-by-field reading and writing of the packed records of
-// level files. Records are never copied to or from memory as C++ objects.
+// level files. Only the level's points and segments are copied whole, where
+// their layout is checked at compile time (orvlevel/levelfile.cpp).
 #pragma once
 
 #include "math/vector3d.h"

@@ -9,29 +9,32 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// Reads a regular file completely; false when it cannot be opened or read.
-bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
+namespace {
+
+// Opens a regular file and tells its size; -1 when that fails.
+int OpenRegular(const std::string& name, size_t& size)
 {
     int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
-        return false;
+        return -1;
     struct stat st;
-    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-    if (ok)
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode))
     {
-        try
-        {
-            out.resize(size_t(st.st_size));
-        }
-        catch (const std::bad_alloc&)
-        {
-            ok = false;
-        }
+        close(fd);
+        return -1;
     }
+    size = size_t(st.st_size);
+    return fd;
+}
+
+// Reads exactly size bytes and closes the file.
+bool ReadAll(int fd, uint8_t* data, size_t size)
+{
+    bool ok = true;
     size_t done = 0;
-    while (ok && done < out.size())
+    while (ok && done < size)
     {
-        ssize_t n = read(fd, out.data() + done, out.size() - done);
+        ssize_t n = read(fd, data + done, size - done);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
@@ -41,6 +44,44 @@ bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
     }
     close(fd);
     return ok;
+}
+
+} // namespace
+
+// Reads a regular file completely; false when it cannot be opened or read.
+bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out)
+{
+    size_t size;
+    int fd = OpenRegular(name, size);
+    if (fd < 0)
+        return false;
+    try
+    {
+        out.resize(size);
+    }
+    catch (const std::bad_alloc&)
+    {
+        close(fd);
+        return false;
+    }
+    return ReadAll(fd, out.data(), size);
+}
+
+bool ReadWholeFile(const std::string& name, std::unique_ptr<uint8_t[]>& out, size_t& size)
+{
+    int fd = OpenRegular(name, size);
+    if (fd < 0)
+        return false;
+    try
+    {
+        out.reset(new uint8_t[size]); // left unfilled: the read fills it
+    }
+    catch (const std::bad_alloc&)
+    {
+        close(fd);
+        return false;
+    }
+    return ReadAll(fd, out.get(), size);
 }
 
 static bool WriteAll(int fd, const uint8_t* data, size_t size)

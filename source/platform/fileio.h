@@ -3,11 +3,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 // Reads a regular file completely; false when it cannot be opened or read.
 bool ReadWholeFile(const std::string& name, std::vector<uint8_t>& out);
+// The same into memory that is not cleared first, for large files.
+bool ReadWholeFile(const std::string& name, std::unique_ptr<uint8_t[]>& out, size_t& size);
 
 // Writes the bytes to a hidden temporary file beside the target and renames
 // it over the target. A symbolic link is followed, so the link itself stays;

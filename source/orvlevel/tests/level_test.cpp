@@ -138,8 +138,8 @@ TEST_F(LevelTest, RemoveUnusedPointsMatchesLiteralScan)
     SRand(77);
     for (int i = 0; i < 3000; ++i)
         L->Add(VECTOR3D(float(i), 0, 0));
-    L->Points[MAX_POINTS - 1] = new VECTOR3D();
-    L->Points[30000] = new VECTOR3D();
+    L->PutPoint(MAX_POINTS - 1, VECTOR3D());
+    L->PutPoint(30000, VECTOR3D());
     for (int n = 0; n < 200; ++n)
     {
         SEGMENT s;

@@ -262,9 +262,9 @@ TEST_F(LevelFileTest, OldSegmentRecordsLoadWithTypeZeroAndSaveAsCurrent)
 
 TEST_F(LevelFileTest, SaveAndLoadKeepEveryEntryAtItsIndex)
 {
-    L->Points[20000] = new VECTOR3D(1, 2, 3);
-    L->Points[39999] = new VECTOR3D(-4, 5.5f, 6);
-    L->Segments[7] = new SEGMENT(*L->Segments[0]);
+    L->PutPoint(20000, VECTOR3D(1, 2, 3));
+    L->PutPoint(39999, VECTOR3D(-4, 5.5f, 6));
+    L->PutSegment(7, *L->Segments[0]);
     L->Segments[7]->Type = SEGTYPE_SUPPORT;
     L->Segments[7]->Sides[2].Door.Opening = 0.75f;
     L->Textures[150] = new TEXTURE("InvSide.bmp");
