@@ -248,32 +248,53 @@ int LEVELINDEX::CellIndex(int axis, double v) const
 
 void LEVELINDEX::MakeGrid()
 {
-    // Cells about as large as the mean segment, within a budget of cells.
-    double lo[3] = {INFINITY, INFINITY, INFINITY}, hi[3] = {-INFINITY, -INFINITY, -INFINITY};
-    double sizes = 0;
-    int count = 0;
+    std::vector<double> sizes;
     Extent = 0;
+    std::vector<double> centres[3];
+    double all[2][3] = {{INFINITY, INFINITY, INFINITY}, {-INFINITY, -INFINITY, -INFINITY}};
     for (const SEGMENTSHAPE& sh : Shapes)
         if (sh.Boxed)
         {
             double size = 0;
             for (int k = 0; k < 3; ++k)
             {
-                lo[k] = std::min(lo[k], sh.Lo[k]);
-                hi[k] = std::max(hi[k], sh.Hi[k]);
                 size = std::max(size, sh.Hi[k] - sh.Lo[k]);
+                centres[k].push_back((sh.Lo[k] + sh.Hi[k]) / 2);
+                all[0][k] = std::min(all[0][k], sh.Lo[k]);
+                all[1][k] = std::max(all[1][k], sh.Hi[k]);
             }
-            sizes += size;
-            Extent = std::max(Extent, size);
-            ++count;
+            sizes.push_back(size);
         }
     Dims[0] = Dims[1] = Dims[2] = 0;
     CellStart.assign(1, 0);
     CellSegments.clear();
+    const size_t count = sizes.size();
     if (count == 0)
         return;
+    // The median segment's size: a few vast ones must not coarsen the grid.
+    std::nth_element(sizes.begin(), sizes.begin() + long(count / 2), sizes.end());
+    const double typical = sizes[count / 2];
 
-    Cell = std::max(sizes / count, 1.0e-3);
+    // The grid covers the bulk of the segments: a few far from the rest
+    // would stretch every cell. Per axis, the 1st to 99th percentile of the
+    // centres, widened by half that span and a segment, bounds it; the
+    // segments that reach outside are loose.
+    double lo[3], hi[3];
+    for (int k = 0; k < 3; ++k)
+    {
+        std::vector<double>& c = centres[k];
+        size_t a = c.size() / 100, b = c.size() - 1 - c.size() / 100;
+        std::nth_element(c.begin(), c.begin() + long(a), c.end());
+        double qa = c[a];
+        std::nth_element(c.begin(), c.begin() + long(b), c.end());
+        double qb = c[b];
+        double widen = (qb - qa) / 2 + typical;
+        lo[k] = std::max(all[0][k], qa - widen);
+        hi[k] = std::min(all[1][k], qb + widen);
+    }
+
+    // Cells about as large as the typical segment, within a budget of cells.
+    Cell = std::max(typical, 1.0e-3);
     double budget = double(CELLS_PER_SEGMENT) * count + 64;
     for (;;)
     {
@@ -308,8 +329,11 @@ void LEVELINDEX::MakeGrid()
     for (SEGMENTSHAPE& sh : Shapes)
     {
         sh.InGrid = sh.Boxed && rangeOf(sh, range) <= MAX_CELLS_PER_SEGMENT;
+        for (int k = 0; k < 3 && sh.InGrid; ++k)
+            sh.InGrid = sh.Lo[k] >= Origin[k] && sh.Hi[k] <= Origin[k] + Dims[k] * Cell;
         if (!sh.InGrid)
             continue;
+        Extent = std::max(Extent, std::max(sh.Hi[0] - sh.Lo[0], std::max(sh.Hi[1] - sh.Lo[1], sh.Hi[2] - sh.Lo[2])));
         for (int z = range[4]; z <= range[5]; ++z)
             for (int y = range[2]; y <= range[3]; ++y)
                 for (int x = range[0]; x <= range[1]; ++x)
