@@ -6,6 +6,7 @@
 #include "literal.h"
 
 #include "math/trig.h"
+#include "orvlevel/levelindex.h"
 
 #include <benchmark/benchmark.h>
 
@@ -131,6 +132,41 @@ void CollidePoint(benchmark::State& state, bool literal)
             benchmark::DoNotOptimize(hit);
         }
     state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(motions.size()));
+}
+
+// ---------------------------------------------------------------------------
+// The spatial index behind picking, FindSegment and collision
+
+// Built from nothing, as after loading.
+void IndexBuild(benchmark::State& state)
+{
+    const ORVLEVEL& L = Full();
+    LEVELINDEX index;
+    for (auto _ : state)
+        index.Build(L);
+}
+
+// Brought up to date after one edit: a corner shared by eight cells moves.
+void IndexAfterEdit(benchmark::State& state)
+{
+    ORVLEVEL& L = Full();
+    LEVELINDEX index;
+    index.Build(L);
+    L.CurrentSegment = FullMiddleSegment(), L.CurrentSide = 0, L.CurrentPoint = 0;
+    float step = 1;
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        if (index.Left > 64)
+            index.Build(L); // edits pile up until a rebuild; keep them out of the figure
+        L.MovePoint(0, step, 0);
+        step = -step;
+        state.ResumeTiming();
+        index.Update(L);
+    }
+    if (step < 0)
+        L.MovePoint(0, -1, 0);
+    L.CurrentSegment = -1;
 }
 
 // ---------------------------------------------------------------------------
@@ -300,6 +336,11 @@ void PrintSummary(const RATIOREPORTER& r)
     for (const auto& [name, note] : rows)
         PrintRatio(name + note, r.Of(name + "/fast"), r.Of(name + "/literal"));
 
+    std::printf("\nThe spatial index (ms):\n");
+    for (const char* name : {"IndexBuild", "IndexAfterEdit"})
+        if (r.Of(name).Real > 0)
+            std::printf("%-28s %12.4f\n", name, r.Of(name).Real * 1e3);
+
     std::printf("\nLevel files against copying the same bytes (real: wall clock; cpu: processor time):\n");
     std::printf("%-12s %-8s %10s %12s %9s %10s %12s %9s\n", "operation", "baseline", "real ms", "baseline ms",
                 "copies", "cpu ms", "baseline ms", "copies");
@@ -348,6 +389,8 @@ int main(int argc, char** argv)
     add("FindSegment/literal", FindSegment, true);
     add("CollidePoint/fast", CollidePoint, false);
     add("CollidePoint/literal", CollidePoint, true);
+    add("IndexBuild", IndexBuild);
+    add("IndexAfterEdit", IndexAfterEdit)->Iterations(2000);
     add("SaveLevel", SaveLevel);
     add("LoadLevel", LoadLevel);
     add("Serialize", Serialize);
