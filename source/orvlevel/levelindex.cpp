@@ -277,7 +277,7 @@ void LEVELINDEX::MakeGrid()
 
     // The grid covers the bulk of the segments: a few far from the rest
     // would stretch every cell. Per axis, the 1st to 99th percentile of the
-    // centres, widened by half that span and a segment, bounds it; the
+    // centres, widened by half that span and a few segments, bounds it; the
     // segments that reach outside are loose.
     double lo[3], hi[3];
     for (int k = 0; k < 3; ++k)
@@ -288,7 +288,7 @@ void LEVELINDEX::MakeGrid()
         double qa = c[a];
         std::nth_element(c.begin(), c.begin() + long(b), c.end());
         double qb = c[b];
-        double widen = (qb - qa) / 2 + typical;
+        double widen = (qb - qa) / 2 + 4 * typical;
         lo[k] = std::max(all[0][k], qa - widen);
         hi[k] = std::min(all[1][k], qb + widen);
     }

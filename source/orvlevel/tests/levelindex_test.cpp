@@ -2,6 +2,7 @@
 // names; they must answer exactly as a scan over every segment in index
 // order does, on awkward cells and right after every kind of edit.
 #include "orvlevel/level.h"
+#include "orvlevel/levelindex.h"
 
 #include "math/camera.h"
 #include "math/geometry.h"
@@ -317,6 +318,73 @@ TEST_F(LevelIndexTest, AnswersAsTheScansOnAwkwardCellsAndAfterEveryEdit)
             }
         ExpectSameAnswers("many edits");
     }
+}
+
+// FindSegment skips a cell for points outside its box only where the cell's
+// side planes provably hold nothing out there; badly bent cells often do.
+TEST_F(LevelIndexTest, BentCellsAreSkippedOnlyWhereTheyHoldNothing)
+{
+    A->DeleteSegment(0);
+    std::vector<VECTOR3D> centres;
+    for (int n = 0; n < 200; ++n)
+    {
+        VECTOR3D at(float(n % 8) * 1000, float(n / 8 % 5) * 1000, float(n / 40) * 1000);
+        float bend = Uniform(0.1f, 0.9f) * 200;
+        SEGMENT s;
+        for (int k = 0; k < 8; ++k)
+            s.Corners[k] = A->Add(DefaultCubeCorners[k] + at + Jitter(bend));
+        A->Add(&s);
+        centres.push_back(at);
+    }
+    // Mostly just outside the cells' boxes, where a bent cell's planes may
+    // still hold points.
+    for (int n = 0; n < 20000; ++n)
+    {
+        VECTOR3D p = centres[size_t(Below(int(centres.size())))] + Jitter(400);
+        ASSERT_EQ(A->FindSegment(p), ScanFind(*A, p)) << n;
+    }
+}
+
+// The grid takes every well-formed cell, and an edit sends only the cells it
+// touched to the list every query tests.
+TEST_F(LevelIndexTest, OnlyOddAndEditedCellsAreTestedByEveryQuery)
+{
+    A->CurrentSegment = 0;
+    for (int n = 0; n < 150; ++n)
+    {
+        A->CurrentSide = n % 5 == 4 ? 1 : 0;
+        A->NewSegment();
+        A->CurrentSegment = A->Segments[A->CurrentSegment]->Neighbours[A->CurrentSide];
+    }
+    int turned = AddCubeCopy(*A, VECTOR3D(-900, 0, 0));
+    for (int k = 0; k < 8; ++k)
+    {
+        VECTOR3D& c = *A->Points[A->Segments[turned]->Corners[k]];
+        c = VECTOR3D(-900 + c.z * 0.6f + (c.x + 900) * 0.8f, c.y, c.z * 0.8f - (c.x + 900) * 0.6f);
+    }
+    LEVELINDEX index;
+    index.Build(*A);
+    EXPECT_TRUE(index.Loose.empty() && index.LooseFind.empty());
+
+    int flat = AddCubeCopy(*A, VECTOR3D(0, -300, 0));
+    for (int k = 0; k < 8; ++k)
+        A->Points[A->Segments[flat]->Corners[k]]->y = -300;
+    int insideOut = AddCubeCopy(*A, VECTOR3D(-450, 0, 0));
+    std::swap(A->Segments[insideOut]->Corners[0], A->Segments[insideOut]->Corners[1]);
+    std::swap(A->Segments[insideOut]->Corners[2], A->Segments[insideOut]->Corners[3]);
+    std::swap(A->Segments[insideOut]->Corners[4], A->Segments[insideOut]->Corners[5]);
+    std::swap(A->Segments[insideOut]->Corners[6], A->Segments[insideOut]->Corners[7]);
+    A->Changed();
+    index.Build(*A);
+    EXPECT_TRUE(index.Loose.empty());
+    EXPECT_EQ(index.LooseFind, (std::vector<int32_t>{flat, insideOut}));
+
+    // A corner of the cube shared by the first two cells.
+    A->CurrentSegment = 0, A->CurrentSide = 0, A->CurrentPoint = 0;
+    A->MovePoint(0, 5, 0);
+    index.Update(*A);
+    EXPECT_EQ(index.Loose, (std::vector<int32_t>{0, 1}));
+    EXPECT_EQ(index.Left, 2);
 }
 
 TEST_F(LevelIndexTest, SegmentAddressesNameTheirSlotsOnly)
