@@ -78,8 +78,10 @@ TEST(LevelCheck, FindsEveryKindOfProblemWithItsNumbers)
 
     // Each problem tells where to go; sound sides and joined ones stay quiet.
     for (const LEVELPROBLEM& p : found)
+    {
         if (p.Text.starts_with("Szegmens 0, oldal 3"))
             EXPECT_EQ(p.Side, 3);
+    }
     EXPECT_FALSE(has("Szegmens 0, oldal 0")) << all;
     EXPECT_FALSE(has("Szegmens " + num(a) + ", oldal 4: egybeesik")) << all;
 }
