@@ -4,6 +4,7 @@
 // figures. Run it from the program directory: the level needs the bitmaps.
 #include "fulllevel.h"
 #include "literal.h"
+#include "render.h"
 
 #include "math/trig.h"
 #include "orvlevel/levelindex.h"
@@ -332,6 +333,8 @@ void PrintSummary(const RATIOREPORTER& r)
         {"PickSide", ""},
         {"FindSegment", probes},
         {"CollidePoint", motions},
+        {"Frame", " (640 x 480)"},
+        {"MeshDraw", " (100 ships)"},
     };
     for (const auto& [name, note] : rows)
         PrintRatio(name + note, r.Of(name + "/fast"), r.Of(name + "/literal"));
@@ -398,6 +401,7 @@ int main(int argc, char** argv)
     add("CopyBytes/memcpy", CopyBytes, COPY_MEMCPY);
     add("CopyBytes/fwrite", CopyBytes, COPY_FWRITE);
     add("CopyBytes/fread", CopyBytes, COPY_FREAD);
+    RegisterRenderBenchmarks();
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

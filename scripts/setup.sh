@@ -8,6 +8,8 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   qt6-base-dev libqt6opengl6-dev
   libgl-dev libgl1-mesa-dev libglu1-mesa-dev libgl1-mesa-dri
+  libegl-dev libegl-mesa0 libpng-dev
+  libfreetype-dev fonts-dejavu-core
   libopenal-dev libopenal1
   xvfb xauth
 )

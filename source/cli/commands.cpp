@@ -13,6 +13,8 @@ const CLICOMMAND Commands[] = {
     {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
     {"simulate", "LEVEL TICKS OUT [SEED]", "run the game objects for TICKS ticks and save the result", 3, 4, CmdSimulate},
     {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},
+    {"render", "LEVEL OUT.png [--size WxH] [--camera 12 numbers]",
+     "draw the editor's first frame of a level offscreen into a PNG", 2, 17, CmdRender},
     {"wave", "FILE", "print a wave file's format, frequency and size as JSON", 1, 1, CmdWave},
 };
 

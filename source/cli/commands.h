@@ -34,6 +34,9 @@ int CmdRun(std::span<char* const> args);
 // cmd_simulate.cpp
 int CmdSimulate(std::span<char* const> args);
 
+// cmd_render.cpp
+int CmdRender(std::span<char* const> args);
+
 // cmd_media.cpp
 int CmdMesh(std::span<char* const> args);
 int CmdWave(std::span<char* const> args);
