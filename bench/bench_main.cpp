@@ -333,7 +333,8 @@ void PrintSummary(const RATIOREPORTER& r)
         {"PickSide", ""},
         {"FindSegment", probes},
         {"CollidePoint", motions},
-        {"Frame", " (640 x 480)"},
+        {"Frame", " (start-up camera)"},
+        {"FrameInside", " (mid-block)"},
         {"MeshDraw", " (100 ships)"},
     };
     for (const auto& [name, note] : rows)

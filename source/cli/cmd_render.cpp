@@ -8,6 +8,7 @@
 #include "render/glthings.h"
 #include "render/offscreen.h"
 #include "render/view.h"
+#include "platform/platform.h"
 
 #include <cerrno>
 #include <clocale>
@@ -43,6 +44,20 @@ bool Number(const char* text, float& v)
     v = float(d);
     return true;
 }
+
+// The console backend that also counts messages, so that a level the loader
+// complained about is not drawn even where loading goes on.
+class COUNTINGPLATFORM : public CONSOLEPLATFORM
+{
+public:
+    int Reports = 0;
+
+    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
+    {
+        ++Reports;
+        CONSOLEPLATFORM::MessageBox(text, caption, icon);
+    }
+};
 
 bool Size(const char* text, int& w, int& h)
 {
@@ -95,7 +110,11 @@ int CmdRender(std::span<char* const> args)
     int status = 1;
     {
         CLIDOCUMENT doc;
-        if (doc.Open(levelFile))
+        COUNTINGPLATFORM platform;
+        SetPlatform(&platform);
+        bool loaded = doc.Open(levelFile) && platform.Reports == 0;
+        SetPlatform(nullptr);
+        if (loaded)
         {
             InvalidateDisplayList(doc.Level());
             ORVERENDER view([&] { context.MakeCurrent(); }, [&] { context.Swap(); });

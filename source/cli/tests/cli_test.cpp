@@ -145,3 +145,66 @@ TEST_F(CliTest, CheckListsProblemsAndExitsByThem)
     EXPECT_EQ(Cli({"check"}).Status, 2);
     EXPECT_EQ(Cli({"check", In("missing.ORVLevel")}).Status, 1);
 }
+
+namespace {
+
+uint32_t BigEndian32(const std::string& s, size_t at)
+{
+    uint32_t v = 0;
+    for (size_t i = 0; i < 4; ++i)
+        v = v << 8 | uint8_t(s[at + i]);
+    return v;
+}
+
+} // namespace
+
+TEST_F(CliTest, RenderDrawsTheFirstFrameIntoAPng)
+{
+    ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
+    RUN r = Cli({"render", In("a.ORVLevel"), In("a.png")});
+    EXPECT_EQ(r.Status, 0);
+    EXPECT_EQ(r.Err, "");
+    std::string png = ReadText(In("a.png"));
+    ASSERT_GT(png.size(), 1000u); // a picture, not a blank
+    EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ(BigEndian32(png, 16), 640u);
+    EXPECT_EQ(BigEndian32(png, 20), 480u);
+
+    // Another size, and another camera gives another picture.
+    const std::vector<std::string> camera = {"--camera", "0", "0", "0", "0", "0", "-1", "0", "1", "0", "1", "0", "0"};
+    std::vector<std::string> args = {"render", In("a.ORVLevel"), In("b.png"), "--size", "33x17"};
+    ASSERT_EQ(Cli(args).Status, 0);
+    EXPECT_EQ(BigEndian32(ReadText(In("b.png")), 16), 33u);
+    EXPECT_EQ(BigEndian32(ReadText(In("b.png")), 20), 17u);
+    args[2] = In("c.png");
+    args.insert(args.end(), camera.begin(), camera.end());
+    ASSERT_EQ(Cli(args).Status, 0);
+    EXPECT_NE(ReadText(In("c.png")), ReadText(In("b.png")));
+
+    // A level the loader complains about: its message, status 1, no picture.
+    std::string badMagic = ReadText(In("a.ORVLevel"));
+    badMagic[7] = 'X';
+    WriteText(In("magic.ORVLevel"), badMagic);
+    for (const char* level : {"missing.ORVLevel", "magic.ORVLevel"})
+    {
+        RUN dump = Cli({"dump", In(level)});
+        r = Cli({"render", In(level), In("d.png")});
+        EXPECT_EQ(r.Status, 1) << level;
+        EXPECT_EQ(r.Err, dump.Err) << level;
+        EXPECT_FALSE(fs::exists(In("d.png"))) << level;
+    }
+
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--size", "0x5"}, {"--size", "8193x10"}, {"--size", "10x"}, {"--size", "10x10x"}, {"--size"},
+        {"--camera", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"},
+        {"--camera", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "x"}, {"--zoom", "2"}};
+    for (const auto& extra : wrong)
+    {
+        args = {"render", In("a.ORVLevel"), In("e.png")};
+        args.insert(args.end(), extra.begin(), extra.end());
+        r = Cli(args);
+        EXPECT_EQ(r.Status, 2) << extra[0] << " " << extra.size();
+        EXPECT_NE(r.Err.find("usage: orvane-cli render"), std::string::npos);
+        EXPECT_FALSE(fs::exists(In("e.png")));
+    }
+}
