@@ -155,7 +155,8 @@ ORVEWINDOW::ORVEWINDOW()
     setWindowTitle(TITLE);
     move(0, 0);
     resize(640, 480);
-    KernelPtr = std::make_unique<KERNEL>(*this);
+    // Converted here, where the private base is reachable.
+    KernelPtr = std::make_unique<KERNEL>(static_cast<KERNELHOST&>(*this));
     ViewWidget = new ORVEVIEW(*this);
     setCentralWidget(ViewWidget);
     StepTimer.setSingleShot(true);
