@@ -376,11 +376,11 @@ struct RUN
 
 } // namespace
 
-void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-                      SEGMENT* highlightSegment)
+int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
+                     SEGMENT* highlightSegment)
 {
     if (!level.Segments || !level.BlinkTimer)
-        return;
+        return 0;
     // Sides that make no fragment are left out below, and with them their
     // binds. That gives the
     // same result only while the cache says what OpenGL has bound.
@@ -389,7 +389,7 @@ void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, TH
     if (!level.ListBuilt || level.DisplayList != 0 || uint32_t(bound) != BoundTexture)
     {
         DrawLevel(level, drawUntextured, drawMarkers, viewer, highlight, highlightSegment);
-        return;
+        return -1;
     }
     Blink(level);
 
@@ -399,6 +399,7 @@ void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, TH
     int32_t lastSegment = -1; // the last side the plain drawing would send
     int lastSide = 0;
     uint32_t lastTexture = 0;
+    int sent = 0;
 
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     for (int32_t index = 0; index < MAX_SEGMENTS; ++index)
@@ -470,6 +471,7 @@ void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, TH
                 run.Texture = name;
             }
             run.Add(v);
+            ++sent;
         }
     }
     run.Flush();
@@ -489,4 +491,5 @@ void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, TH
         glColor3f(1, 1, 1);
     }
     DrawThingsAndMarks(level, drawMarkers, viewer);
+    return sent;
 }

@@ -33,9 +33,10 @@ void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* vi
 // texture, in the same order. Nothing is cached, so every change shows in
 // the next frame. Falls back to DrawLevel while the level's display list is
 // in use, and for one frame after a texture upload left the binding cache
-// out of step with OpenGL.
-void DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-                      SEGMENT* highlightSegment);
+// out of step with OpenGL. Returns how many sides it sent to OpenGL, or -1
+// when it fell back.
+int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
+                     SEGMENT* highlightSegment);
 
 // Deletes the level's display list, if it has one, and switches recording
 // off for good: from then on every side is drawn in every frame.

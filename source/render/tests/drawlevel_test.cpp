@@ -97,22 +97,59 @@ TEST_F(DrawLevelTest, DoorsSlideTwoCornersAndCarryTheirTexture)
         }
 
     // Half open from edge 0: corners 1 and 2 halfway toward 0 and 3; the
-    // fixed corners take the pairs of the edge's midpoint.
+    // fixed corners take the pairs of the edge's midpoint. Then from edge 3.
     door.Door.State = DOOR_OPENING;
     door.Door.Opening = 0.5f;
-    std::vector<FBITEM> open = Polygons(Draw(false, false));
-    const struct
+    struct CORNER
     {
         float X, Y, S, T;
-    } corners[4] = {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}};
-    for (const auto& c : corners)
+    };
+    const struct
     {
-        const FBVERTEX* v = At(open, c.X, c.Y);
-        ASSERT_NE(v, nullptr) << c.X << "," << c.Y;
-        EXPECT_FLOAT_EQ(v->S, c.S) << c.X << "," << c.Y;
-        EXPECT_FLOAT_EQ(v->T, c.T) << c.X << "," << c.Y;
+        int32_t Edge;
+        CORNER Corners[4];
+    } cases[2] = {{0, {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}}},
+                  {3, {{220, 240, 1, 1}, {420, 240, 0, 1}, {420, 140, 0, 0.5f}, {220, 140, 1, 0.5f}}}};
+    for (const auto& c : cases)
+    {
+        door.Door.SlideEdge = c.Edge;
+        std::vector<FBITEM> open = Polygons(Draw(false, false));
+        for (const CORNER& k : c.Corners)
+        {
+            const FBVERTEX* v = At(open, k.X, k.Y);
+            ASSERT_NE(v, nullptr) << c.Edge << ": " << k.X << "," << k.Y;
+            EXPECT_FLOAT_EQ(v->S, k.S) << c.Edge << ": " << k.X << "," << k.Y;
+            EXPECT_FLOAT_EQ(v->T, k.T) << c.Edge << ": " << k.X << "," << k.Y;
+        }
+        EXPECT_EQ(At(open, 420, 340), nullptr);
     }
-    EXPECT_EQ(At(open, 420, 340), nullptr);
+}
+
+TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
+{
+    FlatView();
+    L->CurrentSegment = 0;
+    L->CurrentSide = 4;
+    L->NewSegment(); // segment 1, a neighbour of 0
+    AddCubeCopy(*L, VECTOR3D(0, 0, -400)); // segment 2, no neighbour
+    L->CurrentSegment = -1;
+    int green = 0, red = 0, white = 0;
+    for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, true, L->Segments[0]); })))
+        for (const FBVERTEX& v : p.Vertices)
+        {
+            green += v.R == 0.5f && v.G == 1 && v.B == 0.5f;
+            red += v.R == 1 && v.G == 0.5f && v.B == 0.5f;
+            white += v.R == 1 && v.G == 1 && v.B == 1;
+        }
+    EXPECT_GT(green, 0);
+    EXPECT_GT(red, 0);
+    EXPECT_GT(white, 0);
+    EXPECT_EQ(green + red + white, [&] {
+        int n = 0;
+        for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, false, nullptr); })))
+            n += int(p.Vertices.size());
+        return n;
+    }());
 }
 
 TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
@@ -129,10 +166,25 @@ TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
     std::vector<FBITEM> first = Draw(false, false); // an unarmed timer counts as elapsed
     EXPECT_FLOAT_EQ(colourOfSide(first), 0.5f);
     EXPECT_EQ(PassedText(first), "023[100.0,100.0,100.0][0.0,1.0]");
-    // The cross: four diagonals through the corner, 5 units each way.
+    // The cross: four different diagonals through the corner, 5 units each
+    // way along every axis.
     ASSERT_EQ(Count(first, GL_LINE_TOKEN), 4);
-    EXPECT_NE(At(first, 320 + 95, 240 + 95), nullptr);
-    EXPECT_NE(At(first, 320 + 105, 240 + 105), nullptr);
+    std::vector<float> depths;
+    for (const FBITEM& line : first)
+        if (line.Token == GL_LINE_TOKEN || line.Token == GL_LINE_RESET_TOKEN)
+        {
+            const FBVERTEX &a = line.Vertices[0], &b = line.Vertices[1];
+            EXPECT_FLOAT_EQ((a.X + b.X) / 2, 320 + 100);
+            EXPECT_FLOAT_EQ((a.Y + b.Y) / 2, 240 + 100);
+            EXPECT_FLOAT_EQ(std::fabs(a.X - b.X), 10);
+            EXPECT_FLOAT_EQ(std::fabs(a.Y - b.Y), 10);
+            depths.push_back((a.Z + b.Z) / 2);
+            depths.push_back(a.Z - b.Z);
+        }
+    EXPECT_FLOAT_EQ(depths[0], depths[2]);
+    EXPECT_FLOAT_EQ(depths[0], depths[4]);
+    EXPECT_FLOAT_EQ(depths[0], depths[6]);
+    EXPECT_NE(depths[1], 0.0f);
 
     P().Now = 5500; // 500 ms are not more than 500 ms
     EXPECT_FLOAT_EQ(colourOfSide(Draw(false, false)), 0.5f);
@@ -282,11 +334,14 @@ TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
                 found = found || PixelAt(pixels, int(wx) + dx, TEST_HEIGHT - 1 - int(wy) + dy) == a.Colour;
         EXPECT_TRUE(found) << a.Colour.R << a.Colour.G << a.Colour.B;
     }
-    // Away from the axes the three walls fill the picture with grey steel.
+    // Away from the axes the three walls fill the picture with their
+    // texture: grey steel, not the white of their corner colours alone.
+    EXPECT_TRUE(glIsTexture(L->Textures[0]->GLName));
     for (auto [x, y] : {std::pair(40, 40), std::pair(600, 40), std::pair(320, 460)})
     {
         RGB p = PixelAt(pixels, x, y);
         EXPECT_GT(p.R + p.G + p.B, 90) << x << "," << y;
+        EXPECT_LT(p.R + p.G + p.B, 600) << x << "," << y;
         EXPECT_LT(std::abs(p.R - p.B), 60) << x << "," << y;
     }
 }
@@ -356,6 +411,31 @@ struct FRAME
 };
 
 } // namespace
+
+TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
+{
+    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
+    auto sent = [&](VECTOR3D position, VECTOR3D viewDir) {
+        View->Camera.Position = position;
+        View->Camera.ViewDir = viewDir;
+        View->Camera.Up = VECTOR3D(0, 1, 0);
+        View->Draw(); // the view's matrices, which the batched drawing tests against
+        return DrawLevelBatched(*L, true, false, nullptr, false, nullptr);
+    };
+    // From the middle the +z wall is behind the eye, and floor and ceiling
+    // lie outside the view's narrower vertical angle.
+    EXPECT_EQ(sent(VECTOR3D(0, 0, 0), VECTOR3D(0, 0, -1)), 3);
+    EXPECT_EQ(sent(VECTOR3D(0, 0, 0), VECTOR3D(0, 0, 1)), 3);
+    EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(-1, 0, 0)), 5); // the +x wall faces away
+    EXPECT_EQ(sent(VECTOR3D(0, 500, 0), VECTOR3D(0, -1, 0.01f)), 5);
+    EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(1, 0, 0)), 0);  // all behind
+    // While the binding cache and OpenGL disagree it draws the plain way.
+    GLuint other;
+    glGenTextures(1, &other);
+    glBindTexture(GL_TEXTURE_2D, other);
+    EXPECT_EQ(DrawLevelBatched(*L, true, false, nullptr, false, nullptr), -1);
+    glDeleteTextures(1, &other);
+}
 
 TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 {

@@ -4,6 +4,7 @@
 #include "graphics/bitmap.h"
 #include "graphics/trimesh.h"
 #include "math/camera.h"
+#include "orvlevel/level.h"
 #include "platform/cp1250.h"
 #include "render/fontdata.h"
 #include "render/glcontext.h"
@@ -276,7 +277,7 @@ TEST_F(RenderTest, SparkLinesAreWhiteAndReachTheirEnd)
     EXPECT_TRUE(Feedback([&] { spark.Draw(); }).empty());
 }
 
-TEST_F(RenderTest, CockpitBarsFollowTheShield)
+TEST_F(RenderTest, CockpitBarsFollowTheShieldAndTheShopSpeaksInSupportSegments)
 {
     SPACESHIP ship;
     ship.shipLevel = 1; // H = 100: the bar is full at 100 and turns blue at 200
@@ -306,5 +307,24 @@ TEST_F(RenderTest, CockpitBarsFollowTheShield)
         std::string text = PassedText(items);
         EXPECT_EQ(text.substr(0, text.find('-') + 1), (c.Shield == 0 ? "0.0-" : c.Shield == 100 ? "100.0-" : "200.0-"));
     }
+
+    // Messages, and the shop's menu inside a support segment; elsewhere the
+    // shop closes and says nothing.
+    ORVLEVEL level;
+    level.Segments[0]->Type = SEGTYPE_SUPPORT;
+    ship.Level = &level;
+    ship.segment = 0;
+    ship.shopState = 0;
+    ship.ShowMessage("Hello");
+    PROBEFONT probe;
+    std::string text = PassedText(Feedback([&] { ship.DrawCockpit(); }));
+    EXPECT_NE(text.find("Hello"), std::string::npos);
+    EXPECT_NE(text.find(Utf8ToCp1250("1. Elsődleges fegyverek2. Másodlagos fegyverek3. Taktikai fegyverek")),
+              std::string::npos);
+    ship.segment = -1;
+    text = PassedText(Feedback([&] { ship.DrawCockpit(); }));
+    EXPECT_EQ(ship.shopState, -1);
+    EXPECT_EQ(text.find(Utf8ToCp1250("fegyverek")), std::string::npos);
+    ship.Level = nullptr;
     DrawingView = FRAMEVIEW();
 }
