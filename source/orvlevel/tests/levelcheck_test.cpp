@@ -80,7 +80,9 @@ TEST(LevelCheck, FindsEveryKindOfProblemWithItsNumbers)
     for (const LEVELPROBLEM& p : found)
     {
         if (p.Text.starts_with("Szegmens 0, oldal 3"))
+        {
             EXPECT_EQ(p.Side, 3);
+        }
     }
     EXPECT_FALSE(has("Szegmens 0, oldal 0")) << all;
     EXPECT_FALSE(has("Szegmens " + num(a) + ", oldal 4: egybeesik")) << all;
