@@ -26,5 +26,6 @@ int main(int argc, char** argv)
     bool ok = WriteBitmaps(dir);
     ok = WriteMeshes(dir) && ok;
     ok = WriteSounds(dir) && ok;
+    ok = WriteIcon(dir) && ok;
     return ok ? 0 : 1;
 }
