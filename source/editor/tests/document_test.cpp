@@ -1,12 +1,8 @@
 #include "editor/controller.h"
 
 #include "orvlevel/tests/leveltesting.h"
-#include "platform/tests/testplatform.h"
 
-#include <filesystem>
 #include <functional>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -73,8 +69,7 @@ TEST_F(DocumentTest, EveryChangeAdvancesTheRevisionAndNothingElseDoes)
 
 TEST_F(DocumentTest, OpenSaveAndSaveAsAnswerAndKeepTheModifiedState)
 {
-    fs::path dir = fs::temp_directory_path() / ("orvdoc-" + std::to_string(getpid()));
-    fs::create_directories(dir);
+    TEMPDIR dir;
     const std::string file = (dir / "a.ORVLevel").string();
 
     EXPECT_FALSE(Doc.Save()); // no name yet: the caller runs Save as
@@ -104,5 +99,4 @@ TEST_F(DocumentTest, OpenSaveAndSaveAsAnswerAndKeepTheModifiedState)
     ASSERT_TRUE(Doc.Open(file));
     EXPECT_GT(Doc.Revision(), before);
     EXPECT_FALSE(Doc.Modified());
-    fs::remove_all(dir);
 }

@@ -1,17 +1,10 @@
 #include "orvlevel/level.h"
 
-#include "platform/tests/testplatform.h"
+#include "orvlevel/tests/leveltesting.h"
 
 #include <memory>
 
 namespace {
-
-void ExpectPoint(VECTOR3D p, VECTOR3D want)
-{
-    EXPECT_NEAR(p.x, want.x, 1e-3f);
-    EXPECT_NEAR(p.y, want.y, 1e-3f);
-    EXPECT_NEAR(p.z, want.z, 1e-3f);
-}
 
 class CollisionTest : public PlatformTest
 {
@@ -24,18 +17,6 @@ protected:
         return L->CollidePoint(p, mode, start < 0 ? nullptr : L->Segments[start], distance, false, nullptr, correct);
     }
     bool Move(VECTOR3D from, VECTOR3D* to) { return L->CollidePoint(&from, 0, nullptr, 5, true, to, true); }
-    // A cube on top of segment 0, joined to it through an opening.
-    void AddCubeAbove()
-    {
-        SEGMENT s = *L->Segments[0];
-        for (int slot : {2, 3, 6, 7})
-            s.Corners[slot] = slot - 2;
-        for (int slot : {0, 1, 4, 5})
-            s.Corners[slot] = L->Add(DefaultCubeCorners[slot] + VECTOR3D(0, 200, 0));
-        s.Neighbours[2] = 0;
-        s.Sides[2].WallType = Top().WallType = WALL_PASSABLE;
-        L->Segments[0]->Neighbours[0] = L->Add(&s);
-    }
 };
 
 TEST_F(CollisionTest, PointNearAWallIsPushedBack)
@@ -44,7 +25,7 @@ TEST_F(CollisionTest, PointNearAWallIsPushedBack)
     {
         VECTOR3D p(50, 97, 50);
         EXPECT_TRUE(Push(&p, mode, 0, 5)) << mode;
-        ExpectPoint(p, {50, 95, 50});
+        ExpectNear(p, {50, 95, 50});
     }
     VECTOR3D p(50, 97, 50);
     EXPECT_FALSE(Push(&p, 2, 0, 2));
@@ -54,12 +35,12 @@ TEST_F(CollisionTest, PointNearAWallIsPushedBack)
     // Near an edge both walls push, each from where the other left it.
     VECTOR3D corner(97, 97, 50);
     EXPECT_TRUE(Push(&corner, 2, 0, 5));
-    ExpectPoint(corner, {95, 95, 50});
+    ExpectNear(corner, {95, 95, 50});
     // Sides are split along corners 1-3: beside that diagonal, under the
     // second triangle, the first one's edge pushes away from the diagonal.
     VECTOR3D diagonal(-1, 97, 0);
     EXPECT_TRUE(Push(&diagonal, 2, 0, 5));
-    ExpectPoint(diagonal, {-1.3111f, 95.1334f, -0.3111f});
+    ExpectNear(diagonal, {-1.3111f, 95.1334f, -0.3111f});
     // An edge only counts where the foot of the point lies on it.
     VECTOR3D beyond(-1, 3, 0);
     EXPECT_FALSE(ORVLEVEL::CollideEdge({0, 0, 0}, {100, 0, 0}, &beyond, 5, true));
@@ -69,7 +50,7 @@ TEST_F(CollisionTest, SweptMotionStopsBeforeTheWall)
 {
     VECTOR3D to(50, 110, 50);
     EXPECT_TRUE(Move({50, 90, 50}, &to));
-    ExpectPoint(to, {50, 95, 50});
+    ExpectNear(to, {50, 95, 50});
     to = {50, 80, 50};
     EXPECT_FALSE(Move({50, 0, 50}, &to));
     EXPECT_EQ(to, VECTOR3D(50, 80, 50));
@@ -98,13 +79,13 @@ TEST_F(CollisionTest, DoorOpensOnTouchAndLetsThroughWhenOpen)
 
 TEST_F(CollisionTest, OpeningsLetThingsAndSightThrough)
 {
-    AddCubeAbove();
+    AddCubeAbove(*L);
     VECTOR3D p(50, 97, 50);
     EXPECT_FALSE(Push(&p, 0, -1, 5));
     p = {30, 297, 10}; // under the upper cube's top: only a mode that reaches that cube sees it
     EXPECT_FALSE(Push(&p, 2, 0, 5));
     EXPECT_TRUE(Push(&p, 1, 0, 5));
-    ExpectPoint(p, {30, 295, 10});
+    ExpectNear(p, {30, 295, 10});
 
     VECTOR3D from(30, 0, 10), to(-20, 250, 40);
     EXPECT_TRUE(L->LineOfSight(from, to, L->Segments[0]));

@@ -2,20 +2,13 @@
 
 #include "math/geometry.h"
 #include "math/random.h"
-#include "platform/tests/testplatform.h"
+#include "orvlevel/tests/leveltesting.h"
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
 
 namespace {
-
-void ExpectColour(VECTOR3D c, VECTOR3D want, float eps = 1e-4f)
-{
-    EXPECT_NEAR(c.x, want.x, eps);
-    EXPECT_NEAR(c.y, want.y, eps);
-    EXPECT_NEAR(c.z, want.z, eps);
-}
 
 class LightingTest : public PlatformTest
 {
@@ -31,16 +24,16 @@ TEST_F(LightingTest, CentreLightIsSymmetricAndClampsCornerLightSaturates)
     L->CalculateLighting();
     float lit = 10000.0f / 30000.0f / std::sqrt(3.0f); // about 0.192
     for (int i = 0; i < 24; ++i)
-        ExpectColour(Corner(i / 4, i % 4), {lit, lit, lit});
+        ExpectNear(Corner(i / 4, i % 4), {lit, lit, lit}, 1e-4f);
     L->Lights[0]->Brightness = 100000;
     L->CalculateLighting();
     for (int i = 0; i < 24; ++i)
-        ExpectColour(Corner(i / 4, i % 4), {1, 1, 1}, 0);
+        ExpectNear(Corner(i / 4, i % 4), {1, 1, 1}, 0);
 
     *L->Lights[0] = {DefaultCubeCorners[1], {0, 0.5f, 0}, 10};
     L->CalculateLighting();
-    ExpectColour(Corner(0, 0), {0, 1, 0}, 0); // slot 1 is corner 0 of the top
-    ExpectColour(Corner(4, 1), {0, 1, 0}, 0); // and corner 1 of side 4
+    ExpectNear(Corner(0, 0), {0, 1, 0}, 0); // slot 1 is corner 0 of the top
+    ExpectNear(Corner(4, 1), {0, 1, 0}, 0); // and corner 1 of side 4
 }
 
 TEST_F(LightingTest, OnlyTexturedSidesFacingALightAreLit)
@@ -48,17 +41,17 @@ TEST_F(LightingTest, OnlyTexturedSidesFacingALightAreLit)
     L->Segments[0]->Sides[1].Texture = -1;
     Corner(1, 2) = {0.3f, 0.4f, 0.5f};
     L->CalculateLighting(); // no lights: every textured side goes black
-    ExpectColour(Corner(3, 2), {0, 0, 0}, 0);
+    ExpectNear(Corner(3, 2), {0, 0, 0}, 0);
     AddLight({0, 500, 0}, {1, 1, 1}, 10000);
     L->CalculateLighting();
     for (int k = 0; k < 4; ++k)
     {
-        ExpectColour(Corner(0, k), {0, 0, 0}, 0); // the top faces away from the light
+        ExpectNear(Corner(0, k), {0, 0, 0}, 0); // the top faces away from the light
         EXPECT_GT(Corner(2, k).x, 0.0f);          // the bottom faces it
     }
-    ExpectColour(Corner(1, 2), {0.3f, 0.4f, 0.5f}, 0);
+    ExpectNear(Corner(1, 2), {0.3f, 0.4f, 0.5f}, 0);
     L->FullBrightness();
-    ExpectColour(Corner(1, 2), {1, 1, 1}, 0);
+    ExpectNear(Corner(1, 2), {1, 1, 1}, 0);
 }
 
 // Every corner must come out exactly as adding the lights one by one in table
@@ -110,13 +103,13 @@ TEST_F(LightingTest, SegmentColourAndNewLight)
     for (int i = 0; i < 24; ++i)
         Corner(i / 4, i % 4) = VECTOR3D(i / 4 * 0.1f, 0, 1);
     s.Sides[5].Texture = -1;
-    ExpectColour(L->SegmentColour(s), {0.2f, 0, 1}); // the mean of sides 0 ... 4
+    ExpectNear(L->SegmentColour(s), {0.2f, 0, 1}, 1e-4f); // the mean of sides 0 ... 4
     for (SIDE& side : s.Sides)
         side.Texture = -1;
-    ExpectColour(L->SegmentColour(s), {1, 1, 1}, 0);
+    ExpectNear(L->SegmentColour(s), {1, 1, 1}, 0);
 
     EXPECT_EQ(L->NewLight({1, 2, 3}, 255, 0, 51, 10000), 0);
-    ExpectColour(L->Lights[0]->Colour, {1, 0, 0.2f}, 1e-6f);
+    ExpectNear(L->Lights[0]->Colour, {1, 0, 0.2f}, 1e-6f);
     EXPECT_EQ(L->Lights[0]->Position, VECTOR3D(1, 2, 3));
 }
 

@@ -6,6 +6,10 @@
 
 #include "platform/platform.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -60,4 +64,42 @@ class PlatformTest : public ::testing::Test
 protected:
     void SetUp() override { TestPlatform().Reset(); }
     TESTPLATFORM& P() { return TestPlatform(); }
+};
+
+inline std::vector<uint8_t> ReadFile(const std::filesystem::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void WriteFile(const std::filesystem::path& p, const std::vector<uint8_t>& bytes)
+{
+    std::ofstream(p, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+// A fresh temporary directory, removed with its contents.
+struct TEMPDIR
+{
+    std::filesystem::path Path;
+    TEMPDIR()
+    {
+        std::string t = (std::filesystem::temp_directory_path() / "orvtest-XXXXXX").string();
+        if (mkdtemp(t.data()))
+            Path = t;
+    }
+    ~TEMPDIR()
+    {
+        std::error_code ignored;
+        std::filesystem::permissions(Path, std::filesystem::perms::owner_all, ignored);
+        std::filesystem::remove_all(Path, ignored);
+    }
+    TEMPDIR(const TEMPDIR&) = delete;
+    TEMPDIR& operator=(const TEMPDIR&) = delete;
+    std::filesystem::path operator/(const std::string& name) const { return Path / name; }
+    // Writes a file into the directory; its path.
+    std::string Write(const std::string& name, const std::vector<uint8_t>& bytes) const
+    {
+        WriteFile(Path / name, bytes);
+        return (Path / name).string();
+    }
 };

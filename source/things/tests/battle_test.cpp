@@ -38,7 +38,6 @@ OUTCOME Battle(uint32_t seed, int ticks)
 {
     SRand(seed);
     auto level = std::make_unique<ORVLEVEL>();
-    TheLevel = level.get();
     float before = 0;
     for (int i = 0; i < 4; ++i)
     {
@@ -73,8 +72,6 @@ OUTCOME Battle(uint32_t seed, int ticks)
         }
     o.ShieldLost = before - after;
     o.Saved = level->Serialize();
-    level.reset();
-    TheLevel = nullptr;
     return o;
 }
 

@@ -2,7 +2,6 @@
 
 #include "math/camera.h"
 #include "orvlevel/tests/leveltesting.h"
-#include "platform/tests/testplatform.h"
 #include "things/effects.h"
 #include "things/thing.h"
 
@@ -41,18 +40,9 @@ public:
     }
 };
 
-void ExpectPoint(VECTOR3D p, VECTOR3D want)
-{
-    EXPECT_NEAR(p.x, want.x, 1e-3f);
-    EXPECT_NEAR(p.y, want.y, 1e-3f);
-    EXPECT_NEAR(p.z, want.z, 1e-3f);
-}
-
 class GameTickTest : public PlatformTest
 {
 protected:
-    GameTickTest() { TheLevel = L.get(); }
-    ~GameTickTest() override { TheLevel = nullptr; }
     std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
 
     BLOCK* Put(int slot, VECTOR3D p, float h)
@@ -65,13 +55,7 @@ protected:
         return b;
     }
     int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
-    int CountSparks() const
-    {
-        int n = 0;
-        for (int i = 0; i < MAX_THINGS; ++i)
-            n += L->Things[i] && dynamic_cast<SPARK*>(L->Things[i]) != nullptr;
-        return n;
-    }
+    int CountSparks() const { return CountOf<SPARK>(*L); }
 };
 
 } // namespace
@@ -159,7 +143,7 @@ TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
     b->innerRadius = 10;
     b->position = {40, 150, 10};
     b->CollideWithWalls();
-    ExpectPoint(b->position, {40, 85, 10});
+    ExpectNear(b->position, {40, 85, 10});
     EXPECT_TRUE(b->hit);
 
     // A box reaching beyond the wall goes unnoticed while the outer radius
@@ -173,7 +157,7 @@ TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
         t->hit = true;
         t->position = {60, 90, 0};
         t->CollideWithWalls();
-        ExpectPoint(t->position, {60, 80, 0});
+        ExpectNear(t->position, {60, 80, 0});
         EXPECT_FALSE(t->hit);
         delete t;
     }
@@ -204,7 +188,7 @@ TEST_F(GameTickTest, BodyPointsComeFromThePreviousFrame)
     b->axisX = {0, 1, 0};
     b->axisY = {-1, 0, 0};
     EXPECT_TRUE(b->CollideBodyPoint(0, 0, 70, L->Segments[0]));
-    ExpectPoint(b->position, {0, 25, 0});
+    ExpectNear(b->position, {0, 25, 0});
     EXPECT_TRUE(b->hit);
 
     // The same offset given as z moves along the turn axis: no wall.

@@ -1,10 +1,8 @@
-// Items, effects and ships: their rules, side effects and records.
+// Items, effects and ships: their rules and side effects.
 #include "math/camera.h"
-#include "platform/binio.h"
-#include "orvlevel/level.h"
 #include "math/random.h"
+#include "orvlevel/tests/leveltesting.h"
 #include "platform/cp1250.h"
-#include "platform/tests/testplatform.h"
 #include "things/effects.h"
 #include "things/pickup.h"
 #include "things/spaceship.h"
@@ -13,7 +11,6 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <typeinfo>
 
 namespace {
 
@@ -23,60 +20,13 @@ protected:
     ObjectsTest()
     {
         LoadThingMeshes();
-        TheLevel = L.get();
         SRand(99);
-    }
-    ~ObjectsTest() override
-    {
-        L.reset();
-        TheLevel = nullptr;
     }
     std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
 
-    // Objects in the table by exact class.
     template <class T>
-    int Count() const
-    {
-        int n = 0;
-        for (int i = 0; i < MAX_THINGS; ++i)
-            if (L->Things[i] && typeid(*L->Things[i]) == typeid(T))
-                ++n;
-        return n;
-    }
-    // The first object in the table and the first of an exact class.
-    THING* First() const
-    {
-        for (int i = 0; i < MAX_THINGS; ++i)
-            if (L->Things[i])
-                return L->Things[i];
-        return nullptr;
-    }
-    template <class T>
-    T* First() const
-    {
-        for (int i = 0; i < MAX_THINGS; ++i)
-            if (L->Things[i] && typeid(*L->Things[i]) == typeid(T))
-                return static_cast<T*>(L->Things[i]);
-        return nullptr;
-    }
+    int Count() const { return CountOf<T>(*L); }
     static std::string Last(const SPACESHIP& s) { return Cp1250ToUtf8(std::string(s.messages[9], strnlen(s.messages[9], 100))); }
-    static std::vector<uint8_t> Record(THING& t, int32_t index)
-    {
-        BINWRITER w;
-        t.WriteRecord(w, index);
-        return w.Bytes;
-    }
-    static int32_t I32At(const std::vector<uint8_t>& b, size_t at)
-    {
-        return int32_t(b[at] | b[at + 1] << 8 | b[at + 2] << 16 | uint32_t(b[at + 3]) << 24);
-    }
-    static float F32At(const std::vector<uint8_t>& b, size_t at)
-    {
-        int32_t i = I32At(b, at);
-        float f;
-        std::memcpy(&f, &i, 4);
-        return f;
-    }
 };
 
 const VECTOR3D Z(1, 0, 0), Y(0, 1, 0), X(0, 0, 1);
@@ -237,50 +187,6 @@ TEST_F(ObjectsTest, ShotsFlyHitAndExplode)
     EXPECT_TRUE(far.dead);
 }
 
-TEST_F(ObjectsTest, RecordsHaveTheirSizesAndOffsets)
-{
-    P_ENERGY item({1, 2, 3}, Z, Y, X);
-    item.solidTicks = 7;
-    std::vector<uint8_t> r = Record(item, 12);
-    ASSERT_EQ(r.size(), 4u + 40 + 151);
-    EXPECT_EQ(I32At(r, 0), 12);
-    EXPECT_STREQ(reinterpret_cast<const char*>(&r[4]), "P_ENERGY");
-    EXPECT_EQ(I32At(r, 44), 151);
-    EXPECT_EQ(I32At(r, 48 + 143), 7);
-
-    LASERSHOT shot(false, {4, 5, 6});
-    shot.level = 3;
-    shot.damage = 8;
-    shot.speed = 40;
-    shot.owner = reinterpret_cast<SPACESHIP*>(&item); // any object: saved as a mark only
-    r = Record(shot, 0);
-    ASSERT_EQ(r.size(), 4u + 40 + 180);
-    EXPECT_EQ(I32At(r, 48 + 143), 3);
-    EXPECT_EQ(I32At(r, 48 + 147), 0); // no sound
-    EXPECT_EQ(r[48 + 151], 0);
-    EXPECT_EQ(I32At(r, 48 + 152), 1);
-    EXPECT_EQ(F32At(r, 48 + 156), 4);
-    EXPECT_EQ(F32At(r, 48 + 168), 8);
-    EXPECT_EQ(F32At(r, 48 + 172), 40);
-
-    SPACESHIP ship;
-    ship.shipLevel = 4;
-    ship.messageTicks = 9;
-    std::strcpy(ship.messages[9], "hello");
-    r = Record(ship, 3);
-    ASSERT_EQ(r.size(), 4u + 40 + 1233);
-    EXPECT_EQ(F32At(r, 48 + 143), 100);
-    EXPECT_EQ(I32At(r, 48 + 213), 4);
-    EXPECT_STREQ(reinterpret_cast<const char*>(&r[48 + 225 + 900]), "hello");
-    EXPECT_EQ(I32At(r, 48 + 1225), 9);
-
-    // Effects write nothing.
-    SPARK spark({}, 20, 0.1f);
-    EXPECT_TRUE(Record(spark, 1).empty());
-    EXPLOSION boom;
-    EXPECT_TRUE(Record(boom, 1).empty());
-}
-
 TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
 {
     auto drop = [&](int tempests, int weapon, float energy) {
@@ -295,7 +201,8 @@ TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
     EXPECT_EQ(Count<P_TEMPEST>(), 1);
     EXPECT_EQ(Count<P_LASERBOOST>(), 0);
     EXPECT_EQ(Count<P_ENERGY>(), 0);
-    auto* boom = dynamic_cast<EXPLOSION*>(First()); // the explosion comes first
+    // The explosion comes first.
+    auto* boom = dynamic_cast<EXPLOSION*>(*std::find_if(L->Things, L->Things + MAX_THINGS, [](THING* t) { return t; }));
     ASSERT_NE(boom, nullptr);
     EXPECT_EQ(boom->growth, 10);
     EXPECT_EQ(boom->maxSize, 300);
@@ -308,7 +215,6 @@ TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
     }
 
     L = std::make_unique<ORVLEVEL>();
-    TheLevel = L.get();
     drop(10, 9, 150);
     EXPECT_GE(Count<P_TEMPEST>(), 1);
     EXPECT_GE(Count<P_LASERBOOST>(), 1);
@@ -354,7 +260,7 @@ TEST_F(ObjectsTest, ShipUpdates)
     EXPECT_EQ(gunner.primaryCooldown, 20);
     EXPECT_EQ(Count<LASERSHOT>(), 2);
     EXPECT_NEAR(gunner.energy, 50 - 2.1f, 1e-4f);
-    auto* shot = First<LASERSHOT>();
+    auto* shot = FirstOf<LASERSHOT>(*L);
     ASSERT_NE(shot, nullptr);
     EXPECT_EQ(shot->speed, 60);
     EXPECT_EQ(shot->damage, 8);

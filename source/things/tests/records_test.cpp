@@ -1,7 +1,6 @@
 // Object records in level files, read through the game's own class list.
 #include "graphics/drawing.h"
-#include "orvlevel/level.h"
-#include "platform/tests/testplatform.h"
+#include "orvlevel/tests/leveltesting.h"
 #include "sound/buffer.h"
 #include "things/effects.h"
 #include "things/pickup.h"
@@ -15,74 +14,6 @@
 #include <vector>
 
 namespace {
-
-// Level-file bytes assembled by hand, independently of the writer.
-struct BYTES
-{
-    std::vector<uint8_t> B;
-
-    BYTES& U8(uint8_t v)
-    {
-        B.push_back(v);
-        return *this;
-    }
-    BYTES& I32(int32_t v)
-    {
-        for (int i = 0; i < 4; ++i)
-            B.push_back(uint8_t(uint32_t(v) >> 8 * i));
-        return *this;
-    }
-    BYTES& F32(float f)
-    {
-        uint32_t u;
-        std::memcpy(&u, &f, 4);
-        return I32(int32_t(u));
-    }
-    BYTES& Vec(float x, float y, float z) { return F32(x).F32(y).F32(z); }
-    BYTES& Zeros(size_t n)
-    {
-        B.resize(B.size() + n);
-        return *this;
-    }
-    // The level sections before the things: no points, segments or textures.
-    BYTES& Start()
-    {
-        const char header[39] = "ORVLEVEL\0UNNAMED";
-        B.insert(B.end(), header, header + 39);
-        return I32(-1).I32(-1).I32(-1);
-    }
-    // The things terminator, then empty light and special-point sections.
-    BYTES& Finish() { return I32(-1).I32(-1).I32(-1); }
-    // Index, 40-byte name field (with `junk` after the NUL) and size.
-    BYTES& Head(int32_t index, const char* name, int32_t size, const char* junk = "")
-    {
-        I32(index);
-        size_t n = std::strlen(name), j = std::strlen(junk);
-        B.insert(B.end(), name, name + n);
-        B.push_back(0);
-        B.insert(B.end(), junk, junk + j);
-        Zeros(40 - n - 1 - j);
-        return I32(size);
-    }
-    // THING's 143 bytes; `seed` tells records apart. The frame is none a
-    // constructor would choose.
-    BYTES& Base(float seed)
-    {
-        Vec(seed, seed + 1, seed + 2).Vec(seed + 3, seed + 4, seed + 5);
-        Vec(0, 0, 1).Vec(0, -1, 0).Vec(1, 0, 0); // axisY, axisZ, axisX
-        Vec(0, 0, -1).Vec(0, 1, 0).Vec(-1, 0, 0);
-        I32(7).I32(int32_t(seed));
-        F32(30.5f).F32(4.25f);
-        U8(1).U8(0).U8(0); // hit, ghost, dead
-        F32(-1).F32(2).F32(-3).F32(4).F32(-5).F32(6);
-        return F32(1.5f);
-    }
-    // A whole record with a zeroed tail after THING's members.
-    BYTES& Plain(int32_t index, const char* name, int32_t size, float seed)
-    {
-        return Head(index, name, size).Base(seed).Zeros(size_t(size) - 147);
-    }
-};
 
 void ExpectBase(const THING* t, float seed)
 {
@@ -108,20 +39,13 @@ void ExpectBase(const THING* t, float seed)
 class RecordsTest : public PlatformTest
 {
 protected:
-    std::unique_ptr<ORVLEVEL> L;
+    std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
 
     void SetUp() override
     {
         PlatformTest::SetUp();
         LoadThingMeshes();
         RegisterThingClasses();
-        L = std::make_unique<ORVLEVEL>();
-        TheLevel = L.get();
-    }
-    void TearDown() override
-    {
-        L.reset();
-        TheLevel = nullptr;
     }
     void Load(const std::vector<uint8_t>& bytes)
     {
@@ -131,23 +55,28 @@ protected:
     }
 };
 
-// A shield item, a shot, a missile, a spark and an explosion. `saved`: the
-// bytes the writer gives back for them, which drop the effects, store no
-// pointers and zero the name field after its NUL.
-std::vector<uint8_t> MixedFile(bool saved)
+// A shield item, a shot, a ship, a spark, an explosion and a missile.
+// `saved`: the bytes the writer gives back for them, which drop the effects,
+// store no pointers and zero the name field after its NUL; loading sets the
+// ship's goal to its position and draws its launch side.
+std::vector<uint8_t> MixedFile(bool saved, bool launchSide = false)
 {
-    BYTES f;
+    LEVELBYTES f;
     f.Start();
-    f.Head(3, "P_SHIELD", 151, saved ? "" : "junk").Base(10).I32(0);
-    f.Head(7, "LASERSHOT", 180).Base(20);
+    f.ThingHead(3, "P_SHIELD", 151, saved ? "" : "junk").ThingBase(10).I32(7);
+    f.ThingHead(7, "LASERSHOT", 180).ThingBase(20);
     f.I32(4).I32(saved ? 0 : int32_t(0xDEADBEEF)).U8(1).I32(saved ? 0 : int32_t(0xCAFEBABE));
     f.Vec(7, 8, 9).F32(12.5f).F32(40);
+    f.ThingHead(12, "SPACESHIP", 1233).ThingBase(60).F32(80).F32(90).I32(1).I32(-1).I32(3).I32(4).I32(0).I32(2);
+    f.U8(launchSide).U8(0).I32(5).I32(6).I32(1).I32(-1).I32(2).I32(10);
+    saved ? f.Vec(60, 61, 62) : f.Vec(-9, -9, -9);
+    f.I32(4).I32(-1).F32(1234.5f).Zeros(900).Text("hello", 100).I32(9);
     if (!saved)
     {
-        f.Head(20, "SPARK", 155).Base(30).F32(7.5f).F32(0.25f);
-        f.Head(21, "EXPLOSION", 179).Base(40).I32(0x11111111).F32(300).F32(10).F32(42).Vec(1, 2, 3).I32(0x22222222);
+        f.ThingHead(20, "SPARK", 155).ThingBase(30).F32(7.5f).F32(0.25f);
+        f.ThingHead(21, "EXPLOSION", 179).ThingBase(40).I32(0x11111111).F32(300).F32(10).F32(42).Vec(1, 2, 3).I32(0x22222222);
     }
-    f.Plain(999, "TEMPEST", 180, 50);
+    f.Thing(999, "TEMPEST", 180, 50);
     return f.Finish().B;
 }
 
@@ -158,24 +87,8 @@ TEST_F(RecordsTest, HandBuiltRecordsLoadOverTheConstructedObjects)
     Load(MixedFile(false));
     EXPECT_TRUE(P().Messages.empty());
 
-    auto* shield = dynamic_cast<P_SHIELD*>(L->Things[3]);
-    ASSERT_NE(shield, nullptr);
-    ExpectBase(shield, 10);
-    EXPECT_EQ(shield->solidTicks, 0);
-
-    ASSERT_NE(L->Things[7], nullptr);
-    EXPECT_STREQ(L->Things[7]->ClassName(), "LASERSHOT");
-    auto* shot = static_cast<LASERSHOT*>(L->Things[7]);
-    ExpectBase(shot, 20);
-    EXPECT_EQ(shot->level, 4);
-    EXPECT_TRUE(shot->withSound);
-    // Stored addresses mean nothing now: never read, and AfterLoad clears.
-    EXPECT_EQ(shot->sound, nullptr);
-    EXPECT_EQ(shot->owner, nullptr);
-    EXPECT_EQ(shot->lastPoint, VECTOR3D(7, 8, 9));
-    EXPECT_EQ(shot->damage, 12.5f);
-    EXPECT_EQ(shot->speed, 40.0f);
-
+    // What is saved again is checked by the bytes it saves to; the effects
+    // are not saved.
     auto* spark = dynamic_cast<SPARK*>(L->Things[20]);
     ASSERT_NE(spark, nullptr);
     ExpectBase(spark, 30);
@@ -192,16 +105,14 @@ TEST_F(RecordsTest, HandBuiltRecordsLoadOverTheConstructedObjects)
     EXPECT_EQ(explosion->source, nullptr);
     EXPECT_EQ(explosion->texture, Drawing().ExplosionTexture);
 
-    // The missile's record replaces the box its constructor took from the mesh.
-    auto* missile = dynamic_cast<TEMPEST*>(L->Things[999]);
-    ASSERT_NE(missile, nullptr);
-    ExpectBase(missile, 50);
+    auto* ship = dynamic_cast<SPACESHIP*>(L->Things[12]);
+    ASSERT_NE(ship, nullptr);
 
     // Saving drops the effects (a sound effect added now as well) and keeps
     // every other object at its slot.
     BUFFER sound("Powerup.wav");
     ASSERT_EQ(L->AddThing(new SOUNDEFFECT(&sound, {0, 0, 0}, false)), 0);
-    EXPECT_EQ(L->Serialize(), MixedFile(true));
+    EXPECT_EQ(L->Serialize(), MixedFile(true, ship->launchSide));
     L->Clear(); // before the buffer goes
 }
 
@@ -217,8 +128,8 @@ TEST_F(RecordsTest, OnlyTheListedNamesAreAccepted)
     for (const auto& c : accepted)
     {
         SCOPED_TRACE(c.Name);
-        BYTES f;
-        Load(f.Start().Plain(12, c.Name, c.Size, 1).Finish().B);
+        LEVELBYTES f;
+        Load(f.Start().Thing(12, c.Name, c.Size, 1).Finish().B);
         EXPECT_TRUE(P().Messages.empty());
         ASSERT_NE(L->Things[12], nullptr);
         EXPECT_STREQ(L->Things[12]->ClassName(), c.Name);
@@ -227,24 +138,26 @@ TEST_F(RecordsTest, OnlyTheListedNamesAreAccepted)
     }
 
     // A plain item writes "PICKUP" but is not read back; names are compared
-    // exactly.
-    for (const char* name : {"PICKUP", "SOUNDEFFECT", "THING", "p_shield", "P_SHIELD "})
+    // exactly, and the unknown one is shown converted from code page 1250.
+    for (const char* name : {"PICKUP", "SOUNDEFFECT", "THING", "p_shield", "P_SHIELD ", "HAJ\xD3"})
     {
         SCOPED_TRACE(name);
-        BYTES f;
-        f.Start().Plain(0, name, 151, 1).Finish();
+        LEVELBYTES f;
+        f.Start().Thing(0, name, 151).Finish();
         try
         {
             Load(f.B);
             ADD_FAILURE() << "the load went on";
         }
-        catch (const FATALEXIT&)
+        catch (const FATALEXIT& e)
         {
+            EXPECT_EQ(e.Status, 1);
         }
         ASSERT_EQ(P().Messages.size(), 1u);
         EXPECT_EQ(P().Messages[0].Text, "Undefined Thing:");
-        EXPECT_EQ(P().Messages[0].Caption, name);
+        EXPECT_EQ(P().Messages[0].Caption, name[0] == 'H' ? "HAJÓ" : name);
         EXPECT_EQ(P().Messages[0].Icon, MSGICON_STOP);
+        EXPECT_EQ(L->Things[0], nullptr);
     }
 }
 
@@ -252,8 +165,8 @@ TEST_F(RecordsTest, WrongSizeStopsTheLoadBeforeTheObject)
 {
     // A missile record one byte short, as long as an explosion's; a light
     // follows.
-    BYTES f;
-    f.Start().Plain(0, "P_ENERGY", 151, 1).Plain(1, "TEMPEST", 179, 2).I32(-1);
+    LEVELBYTES f;
+    f.Start().Thing(0, "P_ENERGY", 151, 1).Thing(1, "TEMPEST", 179, 2).I32(-1);
     f.I32(0).Vec(1, 2, 3).Vec(1, 1, 1).F32(100).I32(-1).I32(-1);
     Load(f.B);
     ASSERT_EQ(P().Messages.size(), 1u);
