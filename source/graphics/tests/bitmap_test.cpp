@@ -7,28 +7,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-namespace fs = std::filesystem;
 using Bytes = std::vector<uint8_t>;
 
 namespace {
-
-struct TEMPDIR
-{
-    fs::path Path = fs::temp_directory_path() / ("orv-bitmap-" + std::to_string(getpid()));
-    TEMPDIR() { fs::create_directories(Path); }
-    ~TEMPDIR() { fs::remove_all(Path); }
-    std::string Write(const std::string& name, const Bytes& b) const
-    {
-        std::string file = (Path / name).string();
-        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), b.size());
-        return file;
-    }
-};
 
 // A 54-byte header with the fields the reader uses, then the given bytes.
 Bytes Bmp(int32_t width, int32_t height, uint16_t bpp, uint32_t imageSize, Bytes rest = {})
@@ -200,35 +184,4 @@ TEST_F(BitmapFatalTest, MissingOrReadOnlyFileEndsTheProgram)
     P().Reset();
     CheckBitmapFile(good.c_str());
     EXPECT_TRUE(P().Messages.empty());
-}
-
-// The tests run in the program directory, beside the generated data files.
-TEST(BitmapTest, GeneratedDataFilesDecodeAsTheProgramNeeds)
-{
-    struct EXPECTED { const char* Name; double MinTransparent, MaxTransparent; };
-    for (EXPECTED e : {EXPECTED{"WallTex.bmp", 0.0, 0.0}, EXPECTED{"InvSide.bmp", 0.6, 0.95},
-                       EXPECTED{"SmallExplosion.bmp", 0.2, 0.8}}) {
-        SCOPED_TRACE(e.Name);
-        int32_t size[2] = {};
-        uint32_t imageSize = LoadBMP(PixelBuffer, PIXEL_BUFFER_SIZE, e.Name, size, 0, 0, 0);
-        int w = size[0], h = size[1];
-        ASSERT_GT(w, 0);
-        ASSERT_GT(h, 0);
-        EXPECT_EQ(w % 4, 0);
-        // Image size and file size as ordinary viewers expect them.
-        uintmax_t headers = imageSize == uint32_t(w * h) ? 54 + 1024 : 54;
-        EXPECT_TRUE(imageSize == uint32_t(w * h) || imageSize == uint32_t(w * h * 3));
-        EXPECT_EQ(fs::file_size(e.Name), headers + imageSize);
-
-        int transparent = 0;
-        for (int i = 0; i < w * h; ++i)
-            transparent += PixelBuffer[4 * i + 3] == 0;
-        EXPECT_GE(double(transparent) / (w * h), e.MinTransparent);
-        EXPECT_LE(double(transparent) / (w * h), e.MaxTransparent);
-        if (std::string(e.Name) == "SmallExplosion.bmp") {
-            for (int i : {0, w - 1, (h - 1) * w, h * w - 1})
-                EXPECT_EQ(PixelBuffer[4 * i + 3], 0) << "corner " << i;
-            EXPECT_EQ(PixelBuffer[4 * ((h / 2) * w + w / 2) + 3], 255);
-        }
-    }
 }

@@ -3,16 +3,11 @@
 #include "graphics/trimesh.h"
 #include "platform/tests/testplatform.h"
 
-#include <unistd.h>
-
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-namespace fs = std::filesystem;
 using Bytes = std::vector<uint8_t>;
 
 namespace {
@@ -111,19 +106,6 @@ Bytes Pols(const std::vector<int>& words)
         Be16(b, uint16_t(w));
     return Chunk("POLS", b);
 }
-
-struct TEMPDIR
-{
-    fs::path Path = fs::temp_directory_path() / ("orv-trimesh-" + std::to_string(getpid()));
-    TEMPDIR() { fs::create_directories(Path); }
-    ~TEMPDIR() { fs::remove_all(Path); }
-    std::string Write(const std::string& name, const Bytes& b) const
-    {
-        std::string file = (Path / name).string();
-        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), b.size());
-        return file;
-    }
-};
 
 std::vector<TRIANGLE> Triangles(const TRIMESH& m)
 {
@@ -343,56 +325,4 @@ TEST_F(TrimeshTest, BoundsAndRadii)
     EXPECT_EQ(std::vector<float>(b, b + 6), (std::vector<float>{-2, 4, 1, 5, -0.5f, 3}));
     EXPECT_FLOAT_EQ(inner, 0.5f);
     EXPECT_FLOAT_EQ(outer, std::sqrt(16.0f + 25.0f + 9.0f));
-}
-
-// The data files the game loads, as the build writes them.
-TEST_F(TrimeshTest, GeneratedMeshesLoadWithSensibleSizes)
-{
-    struct MESHFILE
-    {
-        const char* Name;
-        float Scale;
-        int Winding; // +1: faces counter-clockwise seen from outside, -1: clockwise, 0: both
-    };
-    const MESHFILE files[] = {
-        {"pShipLevel.lwo", 30, +1}, {"pLaserBoost.lwo", 10, +1}, {"pEnergy.lwo", 5, +1}, {"pShield.lwo", 5, +1},
-        {"SpaceShip.lwo", 5, -1},   {"Tempest.lwo", 10, 0},      {"LaserBase.lwo", 10, -1},
-    };
-    for (const MESHFILE& f : files) {
-        SCOPED_TRACE(f.Name);
-        P().Reset();
-        TRIMESH m(f.Name, f.Scale);
-        EXPECT_TRUE(P().Messages.empty());
-        EXPECT_EQ(P().Beeps, 0);
-        ASSERT_GT(m.TriangleCount(), 6);
-
-        float b[6], outer, inner;
-        m.GetBounds(&b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &outer, &inner);
-        EXPECT_GT(outer, 4.0f);
-        EXPECT_LT(outer, 40.0f);
-
-        // Every triangle has a coloured surface, and faces turn the way the
-        // drawing frame of their class needs: the signed volume is positive
-        // when the faces run counter-clockwise seen from outside.
-        double volume = 0;
-        for (const TRIANGLE& t : Triangles(m)) {
-            EXPECT_NE(m.surfaces[t.surface], nullptr);
-            VECTOR3D a = *m.vertices[t.vertex[0]], b = *m.vertices[t.vertex[1]], c = *m.vertices[t.vertex[2]];
-            volume += Dot(a, Cross(b, c)) / 6.0;
-        }
-        double boxVolume = double(b[1] - b[0]) * (b[3] - b[2]) * (b[5] - b[4]);
-        if (f.Winding == 0)
-            EXPECT_NEAR(volume / boxVolume, 0.0, 1e-4);
-        else
-            EXPECT_GT(f.Winding * volume / boxVolume, 0.05);
-    }
-
-    // The ship's nose is its far end along +z, on the centre line.
-    TRIMESH ship("SpaceShip.lwo", 5.0f);
-    int nose = 0;
-    for (int i = 1; i < TRIMESH_MAX_VERTICES; ++i)
-        if (ship.vertices[i] && ship.vertices[i]->z > ship.vertices[nose]->z)
-            nose = i;
-    EXPECT_GT(ship.vertices[nose]->z, 12.0f);
-    EXPECT_EQ(ship.vertices[nose]->x, 0.0f);
 }
