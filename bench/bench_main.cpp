@@ -2,9 +2,12 @@
 // beside the plain scan it replaces, and saving and loading beside a bare copy
 // of the file's bytes. The run ends with a table of ratios taken from its own
 // figures. Run it from the program directory: the level needs the bitmaps.
+// With --verify it runs no benchmark but checks that each operation and its
+// literal version agree, and exits non-zero if any does not.
 #include "fulllevel.h"
 #include "literal.h"
 #include "render.h"
+#include "verify.h"
 
 #include "math/trig.h"
 #include "orvlevel/levelindex.h"
@@ -369,6 +372,8 @@ int main(int argc, char** argv)
             return 2;
         }
     InitTrigTables();
+    if (argc == 2 && std::strcmp(argv[1], "--verify") == 0)
+        return VerifyAgreement() == 0 ? 0 : 1;
     Full();
 
     using benchmark::RegisterBenchmark;

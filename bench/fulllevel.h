@@ -1,6 +1,6 @@
 // A level with every table at its designed size, and the clicks, points and
-// motions the benchmarks try on it. The test that keeps the plain versions
-// honest uses the same ones.
+// motions the benchmarks try on it. `orvane-bench --verify`, which keeps the
+// plain versions honest, uses the same ones.
 #pragma once
 
 #include "math/camera.h"
