@@ -5,12 +5,10 @@
 #include "math/geometry.h"
 
 #include <algorithm>
-#include <cmath>
 #include <thread>
 
-#if defined(__SSE2__)
+// Every x86-64 processor has SSE2; the lighting is written for it alone.
 #include <emmintrin.h>
-#endif
 
 namespace {
 
@@ -22,8 +20,6 @@ struct LIGHTSOURCE
     VECTOR3D Position;
     VECTOR3D Scaled; // colour times brightness
 };
-
-#if defined(__SSE2__)
 
 inline __m128 Select(__m128 mask, __m128 yes, __m128 no)
 {
@@ -85,57 +81,6 @@ void LightSide(VECTOR3D* const c[4], VECTOR3D n, float normalLength, const LIGHT
         out[k] = VECTOR3D(rs[k], gs[k], bs[k]);
 }
 
-#else
-
-// One channel after one light: add and clamp at 1.0.
-inline float AddClamped(float channel, float contribution)
-{
-    channel += contribution;
-    return channel > 1.0f ? 1.0f : channel;
-}
-
-// The plain form of the SSE code above, one corner at a time.
-VECTOR3D LightCorner(VECTOR3D c, VECTOR3D n, float normalLength, const LIGHTSOURCE* lights, int count)
-{
-    float r = 0.0f, g = 0.0f, b = 0.0f;
-    for (int l = 0; l < count; ++l)
-    {
-        const LIGHTSOURCE& light = lights[l];
-        float dx = light.Position.x - c.x;
-        float dy = light.Position.y - c.y;
-        float dz = light.Position.z - c.z;
-        float q = dx * dx + dy * dy + dz * dz;
-        float p = std::sqrt(q) * normalLength;
-        float f = p == 0.0f ? 2.0f : (dx * n.x + dy * n.y + dz * n.z) / p;
-        if (!(f >= 0.0f))
-            continue; // behind the side's plane (or undefined)
-        if (q == 0.0f)
-        {
-            // A light on the corner itself: saturate what it gives instead
-            // of dividing by zero.
-            if (light.Scaled.x > 0.0f)
-                r = 1.0f;
-            if (light.Scaled.y > 0.0f)
-                g = 1.0f;
-            if (light.Scaled.z > 0.0f)
-                b = 1.0f;
-            continue;
-        }
-        r = AddClamped(r, light.Scaled.x / q * f);
-        g = AddClamped(g, light.Scaled.y / q * f);
-        b = AddClamped(b, light.Scaled.z / q * f);
-    }
-    return {r, g, b};
-}
-
-void LightSide(VECTOR3D* const c[4], VECTOR3D n, float normalLength, const LIGHTSOURCE* lights, int count,
-               VECTOR3D out[4])
-{
-    for (int k = 0; k < 4; ++k)
-        out[k] = LightCorner(*c[k], n, normalLength, lights, count);
-}
-
-#endif
 
 } // namespace
 
