@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,8 @@ namespace {
 // A 54-byte header with the fields the reader uses, then the given bytes.
 Bytes Bmp(int32_t width, int32_t height, uint16_t bpp, uint32_t imageSize, Bytes rest = {})
 {
-    Bytes b(54, 0);
+    Bytes b(54 + rest.size(), 0);
+    std::copy(rest.begin(), rest.end(), b.begin() + 54);
     auto put = [&](size_t at, uint32_t v) { for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (8 * i)); };
     b[0] = 'B';
     b[1] = 'M';
@@ -25,7 +27,6 @@ Bytes Bmp(int32_t width, int32_t height, uint16_t bpp, uint32_t imageSize, Bytes
     put(22, uint32_t(height));
     put(28, bpp);
     put(34, imageSize);
-    b.insert(b.end(), rest.begin(), rest.end());
     return b;
 }
 
