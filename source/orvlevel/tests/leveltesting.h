@@ -144,8 +144,8 @@ struct LEVELBYTES
     {
         return I32(index).Text(name, 40, junk).I32(size);
     }
-    // THING's 143 bytes; `seed` tells records apart. The frame is none a
-    // constructor would choose.
+    // THING's 143 bytes; `seed` tells records apart (an odd one makes the
+    // object dead). The frame is none a constructor would choose.
     LEVELBYTES& ThingBase(float seed)
     {
         Vec(seed, seed + 1, seed + 2).Vec(seed + 3, seed + 4, seed + 5);
@@ -153,7 +153,7 @@ struct LEVELBYTES
         Vec(0, 0, -1).Vec(0, 1, 0).Vec(-1, 0, 0);
         I32(7).I32(int32_t(seed));
         F32(30.5f).F32(4.25f);
-        U8(1).U8(0).U8(0); // hit, ghost, dead
+        U8(1).U8(0).U8(int(seed) % 2); // hit, ghost, dead
         F32(-1).F32(2).F32(-3).F32(4).F32(-5).F32(6);
         return F32(1.5f);
     }

@@ -23,6 +23,8 @@ void ExpectBase(const THING* t, float seed)
     EXPECT_EQ(t->axisY, VECTOR3D(0, 0, 1));
     EXPECT_EQ(t->axisZ, VECTOR3D(0, -1, 0));
     EXPECT_EQ(t->axisX, VECTOR3D(1, 0, 0));
+    EXPECT_EQ(t->oldAxisY, VECTOR3D(0, 0, -1));
+    EXPECT_EQ(t->oldAxisZ, VECTOR3D(0, 1, 0));
     EXPECT_EQ(t->oldAxisX, VECTOR3D(-1, 0, 0));
     EXPECT_EQ(t->segment, 7);
     EXPECT_EQ(t->lastSegment, int32_t(seed));
@@ -30,9 +32,9 @@ void ExpectBase(const THING* t, float seed)
     EXPECT_EQ(t->innerRadius, 4.25f);
     EXPECT_TRUE(t->hit);
     EXPECT_FALSE(t->ghost); // every effect class constructs itself a ghost
-    EXPECT_FALSE(t->dead);
-    EXPECT_EQ(t->boxZLow, -1.0f);
-    EXPECT_EQ(t->boxXHigh, 6.0f);
+    EXPECT_EQ(t->dead, int(seed) % 2 == 1);
+    const float box[6] = {t->boxZLow, t->boxZHigh, t->boxYLow, t->boxYHigh, t->boxXLow, t->boxXHigh};
+    EXPECT_EQ(std::vector<float>(box, box + 6), (std::vector<float>{-1, 2, -3, 4, -5, 6}));
     EXPECT_EQ(t->pushDistance, 1.5f);
 }
 
@@ -57,20 +59,21 @@ protected:
 
 // A shield item, a shot, a ship, a spark, an explosion and a missile.
 // `saved`: the bytes the writer gives back for them, which drop the effects,
-// store no pointers and zero the name field after its NUL; loading sets the
-// ship's goal to its position and draws its launch side.
+// store pointers as marks (the shot's owner is set again before saving) and
+// zero the name field after its NUL; loading sets the ship's goal to its
+// position and draws its launch side.
 std::vector<uint8_t> MixedFile(bool saved, bool launchSide = false)
 {
     LEVELBYTES f;
     f.Start();
     f.ThingHead(3, "P_SHIELD", 151, saved ? "" : "junk").ThingBase(10).I32(7);
     f.ThingHead(7, "LASERSHOT", 180).ThingBase(20);
-    f.I32(4).I32(saved ? 0 : int32_t(0xDEADBEEF)).U8(1).I32(saved ? 0 : int32_t(0xCAFEBABE));
+    f.I32(4).I32(saved ? 0 : int32_t(0xDEADBEEF)).U8(1).I32(saved ? 1 : int32_t(0xCAFEBABE));
     f.Vec(7, 8, 9).F32(12.5f).F32(40);
     f.ThingHead(12, "SPACESHIP", 1233).ThingBase(60).F32(80).F32(90).I32(1).I32(-1).I32(3).I32(4).I32(0).I32(2);
-    f.U8(launchSide).U8(0).I32(5).I32(6).I32(1).I32(-1).I32(2).I32(10);
+    f.U8(launchSide).U8(0).I32(5).I32(6).I32(7).I32(8).I32(9).I32(10);
     saved ? f.Vec(60, 61, 62) : f.Vec(-9, -9, -9);
-    f.I32(4).I32(-1).F32(1234.5f).Zeros(900).Text("hello", 100).I32(9);
+    f.I32(11).I32(12).F32(1234.5f).Zeros(900).Text("hello", 100).I32(13);
     if (!saved)
     {
         f.ThingHead(20, "SPARK", 155).ThingBase(30).F32(7.5f).F32(0.25f);
@@ -87,8 +90,31 @@ TEST_F(RecordsTest, HandBuiltRecordsLoadOverTheConstructedObjects)
     Load(MixedFile(false));
     EXPECT_TRUE(P().Messages.empty());
 
-    // What is saved again is checked by the bytes it saves to; the effects
-    // are not saved.
+    // The saved bytes pin the writer; what was read is checked here, or two
+    // members swapped in both would go unseen.
+    auto* shot = dynamic_cast<LASERSHOT*>(L->Things[7]);
+    ASSERT_NE(shot, nullptr);
+    ExpectBase(shot, 20);
+    EXPECT_EQ(shot->level, 4);
+    EXPECT_TRUE(shot->withSound);
+    // Stored addresses mean nothing now: never read, and AfterLoad clears.
+    EXPECT_EQ(shot->sound, nullptr);
+    EXPECT_EQ(shot->owner, nullptr);
+    EXPECT_EQ(shot->lastPoint, VECTOR3D(7, 8, 9));
+    EXPECT_EQ(shot->damage, 12.5f);
+    EXPECT_EQ(shot->speed, 40.0f);
+
+    auto* ship = dynamic_cast<SPACESHIP*>(L->Things[12]);
+    ASSERT_NE(ship, nullptr);
+    ExpectBase(ship, 60);
+    const int32_t ints[] = {ship->primaryWeapon,  ship->secondaryWeapon, ship->primaryCooldown, ship->secondaryCooldown,
+                            ship->playerControlled, ship->team,        ship->dyingTicks,      ship->strafeTicks,
+                            ship->strafeDirection,  ship->target,      ship->skill,           ship->tempestCount,
+                            ship->shipLevel,        ship->shopState,   ship->messageTicks};
+    EXPECT_EQ(std::vector<int32_t>(ints, ints + 15), (std::vector<int32_t>{1, -1, 3, 4, 0, 2, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
+    EXPECT_TRUE(ship->energy == 80 && ship->shield == 90 && ship->money == 1234.5f && !ship->dying);
+    EXPECT_STREQ(ship->messages[9], "hello");
+
     auto* spark = dynamic_cast<SPARK*>(L->Things[20]);
     ASSERT_NE(spark, nullptr);
     ExpectBase(spark, 30);
@@ -105,13 +131,11 @@ TEST_F(RecordsTest, HandBuiltRecordsLoadOverTheConstructedObjects)
     EXPECT_EQ(explosion->source, nullptr);
     EXPECT_EQ(explosion->texture, Drawing().ExplosionTexture);
 
-    auto* ship = dynamic_cast<SPACESHIP*>(L->Things[12]);
-    ASSERT_NE(ship, nullptr);
-
     // Saving drops the effects (a sound effect added now as well) and keeps
     // every other object at its slot.
     BUFFER sound("Powerup.wav");
     ASSERT_EQ(L->AddThing(new SOUNDEFFECT(&sound, {0, 0, 0}, false)), 0);
+    shot->owner = ship;
     EXPECT_EQ(L->Serialize(), MixedFile(true, ship->launchSide));
     L->Clear(); // before the buffer goes
 }
