@@ -159,6 +159,8 @@ TEST_F(WaveTest, TruncatedDataKeepsWholeFramesOnly)
     std::memset(&stereo[4], 0x7F, 4);
     WAVE s(Write(stereo));
     EXPECT_EQ(s.Size, 8u);
+    // An empty data chunk that ends the file is still found.
+    EXPECT_EQ(WAVE(Write(Riff({Fmt(1, 8000, 8), Chunk("data", {})}))).Size, 0u);
     EXPECT_TRUE(P().Messages.empty());
 }
 

@@ -305,6 +305,7 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     EXPECT_EQ(BarColour(0, 0.3f).r, 1);
     EXPECT_EQ(BarColour(1, 0.3f).g, 1);
     EXPECT_EQ(BarColour(1.25f, 0.3f).b, 0.5f);
+    EXPECT_EQ(BarColour(1.75f, 0.3f).g, 0.5f);
     EXPECT_EQ(BarColour(2, 0.3f).b, 1);
     a->primaryWeapon = -1;
     EXPECT_STREQ(a->PrimaryWeaponName(), "-");
