@@ -139,6 +139,13 @@ TEST_F(LevelFileTest, HandBuiltFileLoadsEveryField)
 
 TEST_F(LevelFileTest, OldSegmentRecordsLoadWithTypeZeroAndSaveAsCurrent)
 {
+    // The slot held a segment of type 3 before: an old record sets the type
+    // too.
+    LEVELBYTES before;
+    before.Header().End().Segment(2, 7).End().End().End().End().End();
+    Load(before.B, before.B.size());
+    ASSERT_EQ(L->Segments[2]->Type, 3);
+
     LEVELBYTES f;
     f.Header().Point(0, 1, 2, 3).End().Segment(0, 1, 732).Segment(2, 5, 732).End();
     f.Texture(0, "WallTex.bmp").End().End().End().End();
