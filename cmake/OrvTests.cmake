@@ -8,13 +8,19 @@ if(ORV_BUILD_TESTS)
   include(GoogleTest)
 endif()
 
-# orv_tests(NAME [OWN_MAIN] LIBRARIES lib... SOURCES file...); OWN_MAIN for
-# programs whose sources bring their own main (the Qt tests need an application).
+# orv_tests(NAME [OWN_MAIN] [WINDOWS] LIBRARIES lib... SOURCES file...); OWN_MAIN
+# for programs whose sources bring their own main (the Qt tests need an
+# application). WINDOWS for tests that show windows: they share one X server
+# and its keyboard focus, so they run one at a time.
 function(orv_tests name)
   if(NOT ORV_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(T "OWN_MAIN" "" "LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(T "OWN_MAIN;WINDOWS" "" "LIBRARIES;SOURCES" ${ARGN})
+  set(extra "")
+  if(T_WINDOWS)
+    set(extra RESOURCE_LOCK xdisplay)
+  endif()
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE ${T_LIBRARIES} orv_testplatform)
   if(NOT T_OWN_MAIN)
@@ -24,5 +30,5 @@ function(orv_tests name)
   gtest_discover_tests(${name}
     WORKING_DIRECTORY ${ORV_BIN_DIR}
     DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "ORV_BIN_DIR=${ORV_BIN_DIR};ORV_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+    PROPERTIES ENVIRONMENT "ORV_BIN_DIR=${ORV_BIN_DIR};ORV_SOURCE_DIR=${CMAKE_SOURCE_DIR}" ${extra})
 endfunction()

@@ -1,0 +1,486 @@
+#include "app/tests/dialogtesting.h"
+
+#include "app/dialogs.h"
+#include "app/dlg_properties.h"
+#include "app/dlg_texture.h"
+#include "app/dlg_texturemanager.h"
+#include "editor/controller.h"
+
+#include <QColorDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+
+#include <clocale>
+#include <memory>
+
+namespace {
+
+void SetPairs(SIDE& side, std::initializer_list<TEXPAIR> pairs)
+{
+    int i = 0;
+    for (TEXPAIR p : pairs)
+        side.TexCoords[i++] = p;
+}
+
+#define EXPECT_PAIRS(side, s0, t0, s1, t1, s2, t2, s3, t3)                                     \
+    do {                                                                                       \
+        const float expected[8] = {s0, t0, s1, t1, s2, t2, s3, t3};                            \
+        for (int k = 0; k < 4; ++k) {                                                          \
+            EXPECT_NEAR((side).TexCoords[k].s, expected[2 * k], 1e-5) << "corner " << k;       \
+            EXPECT_NEAR((side).TexCoords[k].t, expected[2 * k + 1], 1e-5) << "corner " << k;   \
+        }                                                                                      \
+    } while (0)
+
+} // namespace
+
+TEST_F(DialogTest, CommandsOpenTheirDialogsModallyOrBeepWithoutASelection)
+{
+    const std::pair<int, const char*> dialogs[] = {
+        {CM_TEXSETTINGS, "Textúrabeállítás"},       {CM_TEXCALCULATE, "Textúrakoord. számítás"},
+        {CM_TEXTURES, "Textúra manager"},           {CM_POINTSETTINGS, "Pont beállítások"},
+        {CM_SEGMENTTYPE, "Szegmenstípus beállítása"}, {CM_WALLTYPE, "Falbeállítás"},
+        {CM_SIDECOLOUR, "Oldalak színének beállítása"}, {CM_NEWLIGHT, "Új fényforrás"},
+    };
+    const uint64_t revision = L.Revision;
+    for (auto [id, caption] : dialogs)
+    {
+        EXPECT_TRUE(IsDialogCommand(id));
+        QString title;
+        WhenModal<QDialog>([&](QDialog* d) {
+            title = d->windowTitle();
+            QTest::keyClick(d, Qt::Key_Escape); // closes like "Mégse"
+        });
+        RunEditorDialog(id, Host);
+        EXPECT_EQ(title, QString::fromUtf8(caption));
+    }
+    EXPECT_EQ(L.Revision, revision);
+    EXPECT_EQ(Checkpoints, 0);
+    EXPECT_EQ(P().Beeps, 0);
+
+    // Without a selection the six that need one beep and never show; the
+    // texture manager and the new light need none.
+    L.CurrentSegment = -1;
+    bool shown = false;
+    QTimer* watch = WhenModal<QDialog>([&](QDialog* d) { shown = true, d->reject(); });
+    for (int id : {CM_TEXSETTINGS, CM_TEXCALCULATE, CM_POINTSETTINGS, CM_SEGMENTTYPE, CM_WALLTYPE, CM_SIDECOLOUR})
+        RunEditorDialog(id, Host);
+    L.CurrentSegment = 0;
+    L.CurrentPoint = 4; // a side, but no corner point
+    RunEditorDialog(CM_POINTSETTINGS, Host);
+    delete watch;
+    EXPECT_FALSE(shown);
+    EXPECT_EQ(P().Beeps, 7);
+    EXPECT_TRUE(P().Messages.empty());
+    EXPECT_EQ(L.Revision, revision);
+}
+
+TEST_F(DialogTest, TexSettingsTurnsScalesAndShiftsAboutTheReferenceCorner)
+{
+    SIDE& side = L.Segments[0]->Sides[0];
+    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    ORVETEXSETDLG d(Host);
+    ASSERT_TRUE(d.Init());
+    d.show();
+    // Ids 6 and 7 find the scale fields, not the "X" labels made after them.
+    EXPECT_EQ(d.Text(6), "1");
+    EXPECT_EQ(d.Text(7), "1");
+    EXPECT_EQ(d.Text(9) + d.Text(4) + d.Text(5) + d.Text(102), "0000");
+
+    Type(d, 9, "90");
+    Press(d, 18);
+    EXPECT_PAIRS(side, 0, 0, 0, 1, -1, 1, -1, 0);
+    EXPECT_TRUE(d.isVisible()); // stays open: a second press turns again
+    Press(d, 18);
+    EXPECT_PAIRS(side, 0, 0, -1, 0, -1, -1, 0, -1);
+    EXPECT_EQ(Checkpoints, 2);
+
+    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    Type(d, 9, "0");
+    Type(d, 6, "2");
+    Type(d, 7, "2");
+    Press(d, 18);
+    EXPECT_PAIRS(side, 0, 0, 0.5f, 0, 0.5f, 0.5f, 0, 0.5f);
+
+    // Reference 3.7 reads as 3; a shift moves all four pairs alike.
+    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    Type(d, 6, "1");
+    Type(d, 7, "1");
+    Type(d, 4, "0.5");
+    Type(d, 102, "3.7");
+    Press(d, 18);
+    EXPECT_PAIRS(side, 0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1);
+    EXPECT_TRUE(P().Messages.empty());
+
+    // Refused presses: a message, nothing changed, no revision.
+    const uint64_t revision = L.Revision;
+    const int checkpoints = Checkpoints;
+    Type(d, 102, "-1");
+    Press(d, 18);
+    Type(d, 102, "0");
+    Type(d, 7, "abc");
+    Press(d, 18);
+    ASSERT_EQ(P().Messages.size(), 2u);
+    EXPECT_EQ(P().Messages[0].Text, "A referenciapontnak 0 és 3 közé kell esnie.");
+    EXPECT_EQ(P().Messages[1].Text, "A nagyítás szorzója nem lehet nulla!");
+    for (const RECORDEDMESSAGE& m : P().Messages)
+    {
+        EXPECT_EQ(m.Caption, "[i]");
+        EXPECT_EQ(m.Icon, MSGICON_INFORMATION);
+    }
+    EXPECT_PAIRS(side, 0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1);
+    EXPECT_EQ(L.Revision, revision);
+    EXPECT_EQ(Checkpoints, checkpoints);
+
+    Press(d, 19);
+    EXPECT_FALSE(d.isVisible());
+}
+
+TEST_F(DialogTest, TexCalculateShowsComputesAndStoresPairs)
+{
+    SIDE& side = L.Segments[0]->Sides[0];
+    SetPairs(side, {{0.26f, -0.04f}, {1.0f, 0.0f}, {1.04f, 2.0f}, {0.0f, 2.25f}});
+    const uint64_t revision = L.Revision;
+    auto d = std::make_unique<ORVETEXCALCDLG>(Host);
+    ASSERT_TRUE(d->Init());
+    EXPECT_EQ(d->Text(101) + " " + d->Text(111), "0.3 -0.0");
+    EXPECT_EQ(d->Text(103) + " " + d->Text(113), "1.0 2.0");
+    EXPECT_EQ(d->Text(114), "2.2"); // an exact tie rounds to even
+
+    // The calculation: which two corners are the known edge.
+    auto calculate = [&](std::initializer_list<int> empty, int a, int b) {
+        TEXPAIR expected[4];
+        for (int i = 0; i < 4; ++i)
+            expected[i] = {float(d->Text(101 + i).toDouble()), float(d->Text(111 + i).toDouble())};
+        for (int i : empty)
+        {
+            Type(*d, 101 + i, "");
+            Type(*d, 111 + i, "");
+            expected[i] = {0, 0};
+        }
+        ORVLEVEL::CalcTexCoordsFromEdge(expected, L.GetCurrentSideCorners(), 4, a, b);
+        Press(*d, 116);
+        for (int i = 0; i < 4; ++i)
+        {
+            EXPECT_EQ(d->Text(101 + i), QString::asprintf("%.1f", expected[i].s)) << "corner " << i;
+            EXPECT_EQ(d->Text(111 + i), QString::asprintf("%.1f", expected[i].t)) << "corner " << i;
+        }
+    };
+    calculate({0, 1}, 2, 3);
+    calculate({1, 2}, 3, 0);
+    calculate({3, 0}, 1, 2);
+    EXPECT_TRUE(P().Messages.empty());
+    EXPECT_EQ(L.Revision, revision); // the side waits for "OK"
+
+    Type(*d, 101, "");
+    Type(*d, 111, ""); // only corner 0 empty
+    Press(*d, 116);
+    Type(*d, 101, "");
+    Type(*d, 111, "");
+    Type(*d, 103, "");
+    Type(*d, 113, ""); // corners 0 and 2
+    Press(*d, 116);
+    ASSERT_EQ(P().Messages.size(), 2u);
+    EXPECT_EQ(P().Messages[0].Text,
+              "A számítás elvégzéséhez két szomszédos csúcson lévő textúrakoordinátákat kell CSAK megadni");
+    EXPECT_EQ(P().Messages[0].Caption, "[i]");
+    EXPECT_EQ(d->Text(101) + d->Text(113), "0.00.0"); // the empty ones show as 0
+
+    // "OK" without editing stores the pairs as shown, one decimal.
+    d = std::make_unique<ORVETEXCALCDLG>(Host);
+    ASSERT_TRUE(d->Init());
+    Press(*d, 105);
+    EXPECT_EQ(L.Revision, revision);
+    d = std::make_unique<ORVETEXCALCDLG>(Host);
+    ASSERT_TRUE(d->Init());
+    d->show();
+    Press(*d, 115);
+    EXPECT_FALSE(d->isVisible());
+    EXPECT_PAIRS(side, 0.3f, -0.0f, 1, 0, 1, 2, 0, 2.2f);
+    EXPECT_EQ(L.Revision, revision + 1);
+    EXPECT_EQ(Checkpoints, 1);
+}
+
+TEST_F(DialogTest, PointDialogReadsNumbersInTheCLocale)
+{
+    VECTOR3D& p = *L.GetCurrentPointPtr();
+    p = {12.34f, -0.06f, 7};
+    {
+        ORVEPOINTSETTINGSDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_EQ(d.Text(105) + " " + d.Text(106) + " " + d.Text(107), "12.3 -0.1 7.0");
+        Press(d, 108);
+    }
+    EXPECT_EQ(p, VECTOR3D(12.3f, -0.1f, 7.0f));
+    EXPECT_EQ(Checkpoints, 1);
+    const uint64_t revision = L.Revision;
+    {
+        ORVEPOINTSETTINGSDLG d(Host); // nothing left to round: no change
+        ASSERT_TRUE(d.Init());
+        Press(d, 108);
+    }
+    EXPECT_EQ(L.Revision, revision);
+
+    // A user locale with a decimal comma changes nothing.
+    const bool comma = std::setlocale(LC_NUMERIC, "hu_HU.UTF-8") || std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    {
+        ORVEPOINTSETTINGSDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_EQ(d.Text(105), "12.3");
+        Type(d, 105, "abc");
+        Type(d, 106, " 1e2");
+        Type(d, 107, "3.75,5");
+        Press(d, 108);
+    }
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(p, VECTOR3D(0, 100, 3.75f));
+    if (!comma)
+        std::cout << "[ note ] no decimal-comma locale installed; checked in the C locale only\n";
+
+    {
+        ORVEPOINTSETTINGSDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        Type(d, 105, "5");
+        Press(d, 109);
+    }
+    EXPECT_EQ(p.x, 0.0f);
+}
+
+TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
+{
+    SEGMENT& s = *L.Segments[0];
+    s.Type = SEGTYPE_SUPPORT;
+    {
+        ORVESEGMENTTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_TRUE(d.Checked(104));
+        d.FocusFirst();
+        d.show();
+        d.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&d));
+        EXPECT_EQ(QApplication::focusWidget(), d.Control(104));
+        // "Hajójavító" (103) stands between 102 and 104 on screen.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
+        EXPECT_TRUE(d.Checked(103));
+        EXPECT_EQ(QApplication::focusWidget(), d.Control(103));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab); // one stop per group
+        EXPECT_EQ(QApplication::focusWidget(), d.Control(105));
+        QTest::keyClick(d.Control(103), Qt::Key_Return); // Enter is "OK"
+        EXPECT_FALSE(d.isVisible());
+    }
+    EXPECT_EQ(s.Type, SEGTYPE_REPAIR);
+    EXPECT_EQ(Checkpoints, 1);
+
+    SIDE& side = s.Sides[0];
+    side.WallType = WALL_NORMAL;
+    {
+        ORVEWALLTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_TRUE(d.Checked(102));
+        d.SetChecked(105, true);
+        Press(d, 106);
+    }
+    EXPECT_EQ(side.WallType, WALL_SEETHROUGH);
+    EXPECT_EQ(Checkpoints, 2);
+
+    // A wall type no button stands for: nothing checked, "Alkalmaz" stays open.
+    side.WallType = 9;
+    const uint64_t revision = L.Revision;
+    {
+        ORVEWALLTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        d.show();
+        for (int id = 101; id <= 105; ++id)
+            EXPECT_FALSE(d.Checked(id));
+        Press(d, 106);
+        EXPECT_TRUE(d.isVisible());
+        d.SetChecked(101, true);
+        Press(d, 107); // "Mégse"
+    }
+    EXPECT_EQ(side.WallType, 9);
+    EXPECT_EQ(L.Revision, revision);
+}
+
+TEST_F(DialogTest, SideColoursUnclampedAndCustomChooserTruncatesToBytes)
+{
+    SIDE& side = L.Segments[0]->Sides[0];
+    side.Colours[0] = {1.0f, 0.5f, 0.0f};
+    {
+        ORVESETSIDECOLORDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_EQ(d.Text(101) + " " + d.Text(102) + " " + d.Text(103), "255.0 127.5 0.0");
+        Type(d, 131, "300");
+        Press(d, 140);
+    }
+    EXPECT_FLOAT_EQ(side.Colours[3].x, float(300 * 0.00392156862745098));
+    EXPECT_EQ(side.Colours[0], VECTOR3D(1.0f, 0.5f, 0.0f));
+    EXPECT_EQ(Checkpoints, 1);
+
+    const uint64_t revision = L.Revision;
+    ORVESETSIDECOLORDLG d(Host);
+    ASSERT_TRUE(d.Init());
+    Type(d, 101, "300");
+    Type(d, 102, "-1.9");
+    Type(d, 103, "abc");
+    WhenModal<QColorDialog>([](QColorDialog* c) { c->reject(); });
+    Press(d, 104);
+    EXPECT_EQ(d.Text(101) + " " + d.Text(102) + " " + d.Text(103), "44 255 0");
+    WhenModal<QColorDialog>([](QColorDialog* c) {
+        c->setCurrentColor(QColor(1, 2, 3));
+        c->accept();
+    });
+    Press(d, 124);
+    EXPECT_EQ(d.Text(121) + " " + d.Text(122) + " " + d.Text(123), "1 2 3");
+    EXPECT_EQ(L.Revision, revision); // the side changes only with "OK"
+}
+
+TEST_F(DialogTest, NewLightGoesWhereTheCameraIsWhenOkIsPressed)
+{
+    Cam.Position = {1, 2, 3};
+    {
+        ORVENEWLIGHTDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_EQ(d.Text(102) + d.Text(104) + d.Text(106) + " " + d.Text(109), "255255255 10000");
+        WhenModal<QColorDialog>([](QColorDialog* c) {
+            c->setCurrentColor(QColor(10, 20, 30));
+            c->accept();
+        });
+        Press(d, 103);
+        EXPECT_EQ(d.Text(102) + " " + d.Text(104) + " " + d.Text(106), "10 20 30");
+        Type(d, 102, "510");
+        Type(d, 109, "2.5");
+        Cam.Position = {7, 8, 9};
+        Press(d, 105);
+    }
+    ASSERT_NE(L.Lights[0], nullptr);
+    EXPECT_EQ(L.Lights[0]->Position, VECTOR3D(7, 8, 9));
+    EXPECT_FLOAT_EQ(L.Lights[0]->Colour.x, 2.0f);
+    EXPECT_FLOAT_EQ(L.Lights[0]->Colour.z, float(30 * 0.00392156862745098));
+    EXPECT_EQ(L.Lights[0]->Brightness, 2.5f);
+    EXPECT_EQ(Checkpoints, 1);
+    {
+        ORVENEWLIGHTDLG d(Host);
+        Press(d, 107);
+    }
+    EXPECT_EQ(L.Lights[1], nullptr);
+}
+
+TEST_F(DialogTest, JoinDialogAnswersThreeMinusTheEntryOrKeepsThePrevious)
+{
+    auto run = [&](std::function<void(QDialog*)> answer, int32_t previous) {
+        WhenModal<QDialog>(answer);
+        return RunJoinDialog(Host, previous);
+    };
+    auto enter = [](const char* text) {
+        return [text](QDialog* d) {
+            auto* edit = qobject_cast<QLineEdit*>(d->focusWidget());
+            ASSERT_NE(edit, nullptr);
+            EXPECT_EQ(edit->text(), "3");
+            edit->setText(text);
+            QTest::keyClick(edit, Qt::Key_Return);
+        };
+    };
+    EXPECT_EQ(run(enter("1"), 5), 2);
+    EXPECT_EQ(run(enter("3"), 5), 0);
+    EXPECT_EQ(run(enter("7"), 5), -4); // passed on unchecked
+    EXPECT_EQ(run([](QDialog* d) { d->close(); }, 5), 5);
+    EXPECT_EQ(run([](QDialog* d) { QTest::keyClick(d, Qt::Key_Escape); }, 1), 1);
+    EXPECT_EQ(L.Revision, 0u);
+}
+
+TEST_F(DialogTest, PickColorKeepsOneTableOfCustomColoursForTheRun)
+{
+    const uint32_t initial = 0x123456;
+    WhenModal<QColorDialog>([](QColorDialog* c) {
+        for (int i = 0; i < 16; ++i)
+            EXPECT_EQ(QColorDialog::customColor(i), QColor(Qt::black)) << i;
+        QColorDialog::setCustomColor(3, QColor(200, 0, 0)); // the user adds one
+        c->reject();
+    });
+    const uint32_t got = PickColor(nullptr, initial);
+    EXPECT_EQ(got, initial);
+
+    // Qt's own table changed by someone else does not leak into ours.
+    QColorDialog::setCustomColor(5, QColor(0, 0, 99));
+    WhenModal<QColorDialog>([](QColorDialog* c) {
+        EXPECT_EQ(QColorDialog::customColor(3), QColor(200, 0, 0));
+        EXPECT_EQ(QColorDialog::customColor(5), QColor(Qt::black));
+        c->setCurrentColor(QColor(10, 20, 30));
+        c->accept();
+    });
+    EXPECT_EQ(PickColor(nullptr, initial), 0x1E140Au);
+}
+
+// Every template laid out for the platform font: each control inside its
+// dialog, each text unclipped; focus on the first field and Tab in template
+// order.
+TEST_F(DialogTest, TemplatesFitTheFontAndTabInTemplateOrder)
+{
+    std::vector<std::unique_ptr<ORVEDIALOG>> all;
+    all.push_back(std::make_unique<ORVETEXSETDLG>(Host));
+    all.push_back(std::make_unique<ORVETEXCALCDLG>(Host));
+    all.push_back(std::make_unique<ORVETEXTUREDLG>(Host));
+    all.push_back(std::make_unique<ORVEPOINTSETTINGSDLG>(Host));
+    all.push_back(std::make_unique<ORVESEGMENTTYPESDLG>(Host));
+    all.push_back(std::make_unique<ORVEWALLTYPESDLG>(Host));
+    all.push_back(std::make_unique<ORVESETSIDECOLORDLG>(Host));
+    all.push_back(std::make_unique<ORVENEWLIGHTDLG>(Host));
+    all.push_back(std::make_unique<ORVESETMERGESHIFTDLG>(Host, 0));
+    for (auto& d : all)
+    {
+        ASSERT_TRUE(d->Init());
+        const QFontMetrics fm(d->font());
+        for (QObject* child : d->children())
+        {
+            auto* w = qobject_cast<QWidget*>(child);
+            if (!w || w->isWindow())
+                continue;
+            const QString where = d->windowTitle() + " / " + w->objectName();
+            EXPECT_TRUE(d->rect().contains(w->geometry())) << where.toStdString();
+            QString text;
+            if (auto* b = qobject_cast<QAbstractButton*>(w))
+            {
+                text = b->text();
+                const int room = qobject_cast<QRadioButton*>(w) ? w->width() - 20 : w->width() - 4;
+                EXPECT_LE(fm.horizontalAdvance(text), room) << where.toStdString();
+                EXPECT_GE(w->height(), fm.height()) << where.toStdString();
+            }
+            if (auto* g = qobject_cast<QGroupBox*>(w))
+            {
+                EXPECT_LE(fm.horizontalAdvance(g->title()), w->width()) << where.toStdString();
+            }
+            if (auto* l = qobject_cast<QLabel*>(w); l && !l->text().isEmpty())
+            {
+                EXPECT_LE(l->heightForWidth(w->width()), w->height()) << where.toStdString();
+            }
+            if (auto* e = qobject_cast<QLineEdit*>(w))
+            {
+                EXPECT_GE(w->height(), e->minimumSizeHint().height()) << where.toStdString();
+            }
+        }
+    }
+
+    ORVETEXSETDLG& d = static_cast<ORVETEXSETDLG&>(*all[0]);
+    d.FocusFirst();
+    d.show();
+    d.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&d));
+    std::vector<QWidget*> order;
+    for (int i = 0; i < 9; ++i)
+    {
+        order.push_back(QApplication::focusWidget());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    const int expected[] = {6, 7, 9, 4, 5, 18, 19, 102, 6};
+    for (int i = 0; i < 9; ++i)
+        EXPECT_EQ(order[i], d.Control(expected[i])) << "stop " << i;
+    // Enter in a field is "Alkalmaz"; Escape is "Mégse".
+    Type(d, 4, "1");
+    QTest::keyClick(d.Control(4), Qt::Key_Return);
+    EXPECT_FLOAT_EQ(L.Segments[0]->Sides[0].TexCoords[0].s, 2.0f);
+    EXPECT_TRUE(d.isVisible());
+    QTest::keyClick(d.Control(4), Qt::Key_Escape);
+    EXPECT_FALSE(d.isVisible());
+}

@@ -1,0 +1,30 @@
+// The main of the Qt test programs: the shared test set-up (trigonometry
+// tables, a fixed random seed, the recording platform) under a QApplication.
+// Listing the tests (done at build time, without a display) needs no
+// application.
+#include <gtest/gtest.h>
+
+#include "math/random.h"
+#include "math/trig.h"
+#include "platform/tests/testplatform.h"
+
+#include <QApplication>
+
+#include <clocale>
+#include <memory>
+
+int main(int argc, char** argv)
+{
+    ::testing::InitGoogleTest(&argc, argv);
+    InitTrigTables();
+    SRand(1);
+    SetPlatform(&TestPlatform());
+    std::unique_ptr<QApplication> app;
+    if (!GTEST_FLAG_GET(list_tests))
+    {
+        app = std::make_unique<QApplication>(argc, argv);
+        // As the program does: Qt takes the user's locale, numbers stay C.
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    return RUN_ALL_TESTS();
+}
