@@ -38,9 +38,12 @@ int ORVEDIALOG::Run()
 
 void ORVEDIALOG::Press(int id)
 {
-    const uint64_t before = Level().Revision;
+    // The current texture is no part of the level's contents, but undo
+    // brings it back all the same, so choosing one is a step too.
+    const uint64_t revision = Level().Revision;
+    const int32_t texture = Level().CurrentTexture;
     Command(id);
-    if (Level().Revision != before && Host.Checkpoint)
+    if ((Level().Revision != revision || Level().CurrentTexture != texture) && Host.Checkpoint)
         Host.Checkpoint();
 }
 

@@ -29,7 +29,7 @@ public:
     // dialog never shows.
     int Run();
     // What a click on the button with this id does: the dialog's command,
-    // then a checkpoint when it changed the level.
+    // then a checkpoint when it changed the level or its current texture.
     void Press(int id);
 
     // The first control with this template id in creation order, or null.

@@ -27,11 +27,6 @@ QString FormatC(const char* format, ARGS... args)
 
 } // namespace
 
-QString FieldText(const QString& text)
-{
-    return text.left(100);
-}
-
 double TextToDouble(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();

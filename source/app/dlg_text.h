@@ -7,9 +7,6 @@
 
 #include <cstdint>
 
-// A field's text as the dialogs read it: at most 100 characters.
-QString FieldText(const QString& text);
-
 double TextToDouble(const QString& text);
 // Read as a 32-bit long: values beyond its range saturate, as strtol does.
 int32_t TextToLong(const QString& text);

@@ -75,6 +75,42 @@ void ORVETEXTUREDLG::MakeCurrent()
         Host.MakeCurrent();
 }
 
+namespace {
+
+// Why a chosen file cannot become a texture, or "" when it can. A file that
+// cannot be opened is let through: the loader ends the program for it, as
+// for every texture.
+QString Refusal(const QString& name, const std::string& relative, const std::string& stored)
+{
+    if (Cp1250ToUtf8(stored) != relative)
+        return QStringLiteral("%1 neve olyan betűt tartalmaz, amelyet a pálya nem tud tárolni; "
+                              "nevezze át a fájlt.").arg(name);
+    if (stored.size() >= size_t(TEXTURE_NAME_SIZE))
+        return QStringLiteral("%1 neve túl hosszú: egy textúra neve legfeljebb %2 bájt lehet.")
+            .arg(name).arg(TEXTURE_NAME_SIZE - 1);
+    const BITMAPHEADER h = ReadBitmapHeader(stored.c_str());
+    switch (JudgeBitmap(h))
+    {
+    case BITMAP_USABLE:
+    case BITMAP_MISSING:
+        return {};
+    case BITMAP_NOTBITMAP:
+        return QStringLiteral("%1 nem Windows bitkép, nem lehet textúra.").arg(name);
+    case BITMAP_DEPTH:
+        return QStringLiteral("%1 %2 bites kép; textúra csak 8 vagy 24 bites bitkép lehet.")
+            .arg(name).arg(h.BitsPerPixel);
+    case BITMAP_EMPTY:
+        return QStringLiteral("%1 nem tölthető be: a kép mérete %2 × %3 képpont.")
+            .arg(name).arg(h.Width).arg(h.Height);
+    case BITMAP_TOOLARGE:
+        return QStringLiteral("%1 túl nagy (%2 × %3 képpont): egy textúra legfeljebb 750000 képpontos lehet.")
+            .arg(name).arg(h.Width).arg(h.Height);
+    }
+    return {};
+}
+
+} // namespace
+
 std::string ORVETEXTUREDLG::ChooseBitmap()
 {
     const std::string path = OpenFileDialog("bmp", "Bitképek");
@@ -82,37 +118,7 @@ std::string ORVETEXTUREDLG::ChooseBitmap()
         return {};
     const std::string relative = MakeRelativePath(path);
     const std::string stored = Utf8ToCp1250(relative);
-    const QString name = QString::fromStdString(path);
-    QString refusal;
-    const BITMAPHEADER h = ReadBitmapHeader(stored.c_str());
-    if (Cp1250ToUtf8(stored) != relative)
-        refusal = QStringLiteral("%1 neve olyan betűt tartalmaz, amelyet a pálya nem tud tárolni; "
-                                 "nevezze át a fájlt.").arg(name);
-    else if (stored.size() >= size_t(TEXTURE_NAME_SIZE))
-        refusal = QStringLiteral("%1 neve túl hosszú: egy textúra neve legfeljebb %2 bájt lehet.")
-                      .arg(name).arg(TEXTURE_NAME_SIZE - 1);
-    else
-        switch (JudgeBitmap(h))
-        {
-        case BITMAP_USABLE:
-        case BITMAP_MISSING: // the loader ends the program, as for every texture
-            break;
-        case BITMAP_NOTBITMAP:
-            refusal = QStringLiteral("%1 nem Windows bitkép, nem lehet textúra.").arg(name);
-            break;
-        case BITMAP_DEPTH:
-            refusal = QStringLiteral("%1 %2 bites kép; textúra csak 8 vagy 24 bites bitkép lehet.")
-                          .arg(name).arg(h.BitsPerPixel);
-            break;
-        case BITMAP_EMPTY:
-            refusal = QStringLiteral("%1 nem tölthető be: a kép mérete %2 × %3 képpont.")
-                          .arg(name).arg(h.Width).arg(h.Height);
-            break;
-        case BITMAP_TOOLARGE:
-            refusal = QStringLiteral("%1 túl nagy (%2 × %3 képpont): egy textúra legfeljebb 750000 képpontos lehet.")
-                          .arg(name).arg(h.Width).arg(h.Height);
-            break;
-        }
+    const QString refusal = Refusal(QString::fromStdString(path), relative, stored);
     if (!refusal.isEmpty())
     {
         ShowMessage(refusal.toStdString(), "[i]", MSGICON_INFORMATION);
