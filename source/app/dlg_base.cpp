@@ -129,32 +129,11 @@ void ORVEDIALOG::Prepare(FRAME frame, bool contextHelp, int defaultId)
             if (n == defaultId)
                 button->setDefault(true);
         }
-        if (auto* radio = qobject_cast<QRadioButton*>(child))
-            connect(radio, &QRadioButton::toggled, this, &ORVEDIALOG::UpdateRadioStops);
         // Group boxes are frames only: the controls drawn inside them must
         // get the clicks.
         if (auto* group = qobject_cast<QGroupBox*>(child))
             group->lower();
     }
-    UpdateRadioStops();
-}
-
-void ORVEDIALOG::UpdateRadioStops()
-{
-    // One Tab stop per group, on its checked button (the first when none is);
-    // the arrow keys move between all of them.
-    std::vector<QRadioButton*> radios;
-    for (QObject* child : children())
-        if (auto* radio = qobject_cast<QRadioButton*>(child))
-            radios.push_back(radio);
-    if (radios.empty())
-        return;
-    QRadioButton* stop = radios.front();
-    for (QRadioButton* radio : radios)
-        if (radio->isChecked())
-            stop = radio;
-    for (QRadioButton* radio : radios)
-        radio->setFocusPolicy(radio == stop ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 namespace {

@@ -5,8 +5,9 @@
 // its template id in the dynamic property "id". The frame lays the template
 // out for the platform font, turns button presses into the dialog's commands
 // by id, and gives the keyboard what a dialog user expects: Tab in template
-// order with one stop per radio group, arrows between the radio buttons,
-// Enter for the default button, Escape and the title bar's close for cancel.
+// order (the toolkit keeps one stop per radio group, on its checked button,
+// and moves between the group's buttons with the arrow keys), Enter for the
+// default button, Escape and the title bar's close for cancel.
 #pragma once
 
 #include "app/dialogs.h"
@@ -60,5 +61,4 @@ protected:
 
 private:
     void LayOut(FRAME frame);
-    void UpdateRadioStops();
 };

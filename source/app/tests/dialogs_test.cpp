@@ -272,6 +272,15 @@ TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
     }
     EXPECT_EQ(s.Type, SEGTYPE_REPAIR);
     EXPECT_EQ(Checkpoints, 1);
+    for (int type = 0; type < 4; ++type)
+    {
+        s.Type = type;
+        ORVESEGMENTTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_TRUE(d.Checked(101 + type));
+        Press(d, 105); // nothing changed: no step
+    }
+    EXPECT_EQ(Checkpoints, 1);
 
     SIDE& side = s.Sides[0];
     side.WallType = WALL_NORMAL;
@@ -307,32 +316,35 @@ TEST_F(DialogTest, SideColoursUnclampedAndCustomChooserTruncatesToBytes)
 {
     SIDE& side = L.Segments[0]->Sides[0];
     side.Colours[0] = {1.0f, 0.5f, 0.0f};
+    side.Colours[3] = {0.0f, 0.0f, 0.2f};
     {
         ORVESETSIDECOLORDLG d(Host);
         ASSERT_TRUE(d.Init());
         EXPECT_EQ(d.Text(101) + " " + d.Text(102) + " " + d.Text(103), "255.0 127.5 0.0");
+        EXPECT_EQ(d.Text(133), "51.0");
+        Type(d, 102, "51");
         Type(d, 131, "300");
         Press(d, 140);
     }
+    EXPECT_EQ(side.Colours[0], VECTOR3D(1.0f, 0.2f, 0.0f));
     EXPECT_FLOAT_EQ(side.Colours[3].x, float(300 * 0.00392156862745098));
-    EXPECT_EQ(side.Colours[0], VECTOR3D(1.0f, 0.5f, 0.0f));
     EXPECT_EQ(Checkpoints, 1);
 
     const uint64_t revision = L.Revision;
     ORVESETSIDECOLORDLG d(Host);
     ASSERT_TRUE(d.Init());
     Type(d, 101, "300");
-    Type(d, 102, "-1.9");
-    Type(d, 103, "abc");
+    Type(d, 102, "abc");
+    Type(d, 103, "-1.9");
     WhenModal<QColorDialog>([](QColorDialog* c) { c->reject(); });
     Press(d, 104);
-    EXPECT_EQ(d.Text(101) + " " + d.Text(102) + " " + d.Text(103), "44 255 0");
+    EXPECT_EQ(d.Text(101) + " " + d.Text(102) + " " + d.Text(103), "44 0 255");
     WhenModal<QColorDialog>([](QColorDialog* c) {
         c->setCurrentColor(QColor(1, 2, 3));
         c->accept();
     });
-    Press(d, 124);
-    EXPECT_EQ(d.Text(121) + " " + d.Text(122) + " " + d.Text(123), "1 2 3");
+    Press(d, 134);
+    EXPECT_EQ(d.Text(131) + " " + d.Text(132) + " " + d.Text(133), "1 2 3");
     EXPECT_EQ(L.Revision, revision); // the side changes only with "OK"
 }
 

@@ -165,9 +165,12 @@ TEST_F(TextureDialogTest, LoadDeleteAndReplace)
     EXPECT_EQ(SlotOf(b), -1);
     EXPECT_EQ(L.CurrentTexture, 2);
     EXPECT_EQ(d.Selection(), 2);
-    EXPECT_EQ(Checkpoints, 3);
+    List(d).setCurrentRow(0);
+    Press(d, 105); // the first entry too
+    EXPECT_EQ(SlotOf(Chosen), 0);
+    EXPECT_EQ(Checkpoints, 4);
     // The view's context was made current before each texture was made or freed.
-    EXPECT_EQ(MakeCurrents, 3);
+    EXPECT_EQ(MakeCurrents, 4);
     EXPECT_TRUE(P().Messages.empty());
 }
 
