@@ -281,6 +281,13 @@ TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
         Press(d, 105); // nothing changed: no step
     }
     EXPECT_EQ(Checkpoints, 1);
+    {
+        ORVESEGMENTTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        d.SetChecked(101, true);
+        Press(d, 105);
+    }
+    EXPECT_EQ(s.Type, SEGTYPE_NORMAL);
 
     SIDE& side = s.Sides[0];
     side.WallType = WALL_NORMAL;
@@ -292,7 +299,13 @@ TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
         Press(d, 106);
     }
     EXPECT_EQ(side.WallType, WALL_SEETHROUGH);
-    EXPECT_EQ(Checkpoints, 2);
+    EXPECT_EQ(Checkpoints, 3);
+    side.WallType = WALL_PASSABLE;
+    {
+        ORVEWALLTYPESDLG d(Host);
+        ASSERT_TRUE(d.Init());
+        EXPECT_TRUE(d.Checked(101));
+    }
 
     // A wall type no button stands for: nothing checked, "Alkalmaz" stays open.
     side.WallType = 9;
