@@ -114,8 +114,25 @@ void ORVEVIEW::paintGL()
     RenderPtr->Draw();
 }
 
+// Accelerators come before the menu bar's mnemonics ("&Súgó" is Alt+S too,
+// as is "Új szegmens"): the view claims the key, then runs the command.
+bool ORVEVIEW::event(QEvent* e)
+{
+    if (e->type() == QEvent::ShortcutOverride && Window.AcceleratorOf(static_cast<QKeyEvent*>(e)))
+    {
+        e->accept();
+        return true;
+    }
+    return QOpenGLWidget::event(e);
+}
+
 void ORVEVIEW::keyPressEvent(QKeyEvent* e)
 {
+    if (QAction* a = Window.AcceleratorOf(e))
+    {
+        a->trigger();
+        return;
+    }
     Window.KeyEvent(e, true);
 }
 
@@ -175,6 +192,16 @@ ORVEWINDOW::~ORVEWINDOW()
 CAMERA* ORVEWINDOW::Camera()
 {
     return ViewWidget && ViewWidget->Render() ? &ViewWidget->Render()->Camera : nullptr;
+}
+
+QAction* ORVEWINDOW::AcceleratorOf(const QKeyEvent* e) const
+{
+    // The keypad's keys count as the keys they stand for.
+    const QKeySequence pressed(QKeyCombination(e->modifiers() & ~Qt::KeypadModifier, Qt::Key(e->key())));
+    for (const auto& [id, action] : Actions)
+        if (!action->shortcut().isEmpty() && action->shortcut() == pressed)
+            return action->isEnabled() ? action : nullptr;
+    return nullptr;
 }
 
 QAction* ORVEWINDOW::Action(int id) const

@@ -34,6 +34,7 @@ public:
     int PixelHeight() const;
 
 protected:
+    bool event(QEvent* e) override;
     void initializeGL() override;
     void resizeGL(int w, int h) override;
     void paintGL() override;
@@ -65,6 +66,8 @@ public:
     CAMERA* Camera();
     // The menu item of a command id, or null.
     QAction* Action(int id) const;
+    // The enabled menu item whose accelerator the key event is, or null.
+    QAction* AcceleratorOf(const QKeyEvent* e) const;
 
     // Runs a command of the menu (or an accelerator); false when the id is
     // not one this window handles (disabled items).

@@ -28,8 +28,16 @@ MENUITEM ReadItem(const QJsonObject& o)
 
 } // namespace
 
+// The resources live in a static library, which the linker would drop
+// without this reference.
+static void InitResources()
+{
+    Q_INIT_RESOURCE(resources);
+}
+
 MENURESOURCE LoadMenuResource(const QString& file)
 {
+    InitResources();
     MENURESOURCE r;
     QFile f(file);
     if (!f.open(QIODevice::ReadOnly))
