@@ -9,6 +9,7 @@
 #include "render/drawlevel.h"
 #include "render/glthings.h"
 #include "render/view.h"
+#include "sound/objectal.h"
 
 #include <QCloseEvent>
 #include <QCursor>
@@ -226,7 +227,12 @@ void ORVEWINDOW::ViewReady()
     SetExplosionTexture(ExplosionTexture.get());
     RecoveryPtr = std::make_unique<ORVERECOVERY>(*Doc);
     // A copy is due at most every 30 s; checking once a second costs nothing.
-    connect(&RecoveryTimer, &QTimer::timeout, this, [this] { RecoveryPtr->Tick(GetTickCount32()); });
+    // The sound mixer rests while nothing sounds (the editor seldom plays any).
+    connect(&RecoveryTimer, &QTimer::timeout, this, [this] {
+        RecoveryPtr->Tick(GetTickCount32());
+        if (TheSound)
+            TheSound->Rest();
+    });
     RecoveryTimer.start(1000);
     SyncMenu();
     Wake();
@@ -486,8 +492,16 @@ void ORVEWINDOW::Step()
     ORVERENDER& view = *ViewWidget->Render();
     if (FrameStale())
     {
+        // When only the blink can differ, the selected side's part of the
+        // picture is all that needs drawing.
+        if (AnyFrameDrawn && CurrentKey() == DrawnKey)
+        {
+            if (!view.SelectedSideBounds(Doc->Level(), view.ClipX, view.ClipY, view.ClipWidth, view.ClipHeight))
+                view.ClipWidth = 0;
+        }
         const uint32_t before = view.FrameTimer->Start;
         view.Update();
+        view.ClipWidth = 0;
         if (view.FrameTimer->Start != before || !AnyFrameDrawn)
         {
             DrawnKey = CurrentKey();

@@ -8,6 +8,8 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 ORVERENDER::ORVERENDER(std::function<void()> makeCurrent, std::function<void()> swap)
@@ -58,6 +60,12 @@ void ORVERENDER::Draw()
     DrawingView.Width = Width;
     DrawingView.Height = Height;
 
+    const bool clipped = ClipWidth > 0 && ClipHeight > 0;
+    if (clipped)
+    {
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(ClipX, ClipY, ClipWidth, ClipHeight);
+    }
     glClearColor(0, 0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 
@@ -85,10 +93,64 @@ void ORVERENDER::Draw()
     glEnd();
 
     ORVLEVEL* level = Level ? Level : TheLevel;
-    if (!level)
-        return;
-    if (Batched)
-        DrawLevelBatched(*level, true, true, nullptr, false, nullptr);
-    else
-        DrawLevel(*level, true, true, nullptr, false, nullptr);
+    if (level)
+    {
+        if (Batched)
+            DrawLevelBatched(*level, true, true, nullptr, false, nullptr);
+        else
+            DrawLevel(*level, true, true, nullptr, false, nullptr);
+    }
+    if (clipped)
+        glDisable(GL_SCISSOR_TEST);
+}
+
+bool ORVERENDER::SelectedSideBounds(const ORVLEVEL& level, int& x, int& y, int& width, int& height) const
+{
+    ORVLEVEL& l = const_cast<ORVLEVEL&>(level);
+    const SEGMENT* segment = l.GetCurrentSegment();
+    const VECTOR3D* corners = l.GetCurrentSideCorners();
+    if (!segment || !corners || Width <= 0 || Height <= 0)
+        return false;
+    // The door's sliding corners, and the cross of half-size 5 around the
+    // selected corner, can reach past the side itself.
+    const VECTOR3D offset = level.DoorOffset(level.CurrentSegment, level.CurrentSide);
+    VECTOR3D points[10];
+    int n = 0;
+    for (int k = 0; k < 4; ++k)
+    {
+        points[n++] = corners[k];
+        points[n++] = corners[k] + offset;
+    }
+    if (const VECTOR3D* p = l.GetCurrentPointPtr())
+    {
+        points[n++] = *p + VECTOR3D(-5, -5, -5);
+        points[n++] = *p + VECTOR3D(5, 5, 5);
+    }
+    float minX = 1e30f, minY = 1e30f, maxX = -1e30f, maxY = -1e30f;
+    for (int i = 0; i < n; ++i)
+    {
+        // The view's frustum: x in [-1, 1] and y in [-Aspect, Aspect] at distance 1.
+        VECTOR3D d = points[i] - Camera.Position;
+        float z = Dot(d, Camera.ViewDir);
+        if (!(z > 1.0f))
+            return false;
+        float sx = (Dot(d, Camera.Right) / z + 1.0f) * 0.5f * float(Width);
+        float sy = (Dot(d, Camera.Up) / (z * Camera.Aspect) + 1.0f) * 0.5f * float(Height);
+        minX = std::min(minX, sx), maxX = std::max(maxX, sx);
+        minY = std::min(minY, sy), maxY = std::max(maxY, sy);
+    }
+    // A wide margin: the camera frame drifts from orthogonal, which the view
+    // straightens and this estimate does not.
+    const float margin = 8.0f + 0.02f * float(std::max(Width, Height));
+    int x0 = std::max(0, int(std::floor(minX - margin)));
+    int y0 = std::max(0, int(std::floor(minY - margin)));
+    int x1 = std::min(Width, int(std::ceil(maxX + margin)));
+    int y1 = std::min(Height, int(std::ceil(maxY + margin)));
+    if (x1 <= x0 || y1 <= y0)
+    {
+        x0 = y0 = 0;
+        x1 = y1 = 1; // wholly off screen: nothing of the side changes
+    }
+    x = x0, y = y0, width = x1 - x0, height = y1 - y0;
+    return true;
 }

@@ -38,6 +38,11 @@ public:
     int Width = 0;            // client size in pixels
     int Height = 0;
     bool Batched = true;      // false draws the level with the plain DrawLevel
+    // When only the selected side's blink can have changed since the last
+    // frame, the host may have Draw redraw just this rectangle (pixels from
+    // the lower left; a width of 0: the whole view). Everything outside it is
+    // the same in both blink phases.
+    int ClipX = 0, ClipY = 0, ClipWidth = 0, ClipHeight = 0;
 
     ORVERENDER(std::function<void()> makeCurrent, std::function<void()> swap);
     ~ORVERENDER() override;
@@ -48,4 +53,8 @@ public:
     void Draw() override;
     // One camera operation (CAMERAMOVE codes 0 ... 11).
     void Move(int op, float amount) { Camera.Move(op, amount); }
+    // The on-screen bounds of the level's selected side (door panels and the
+    // corner cross included, with a margin), for the clip rectangle; false
+    // when there is no selected side or it reaches behind the near plane.
+    bool SelectedSideBounds(const ORVLEVEL& level, int& x, int& y, int& width, int& height) const;
 };

@@ -75,6 +75,31 @@ OBJECTAL::~OBJECTAL()
         AssertionFailed("!alGetError()", "source/objectal", __LINE__);
 }
 
+void OBJECTAL::Rest()
+{
+    auto pause = reinterpret_cast<LPALCDEVICEPAUSESOFT>(OpenALEntry("alcDevicePauseSOFT"));
+    if (!device || resting || !pause)
+        return;
+    for (int i = 0; i < SourceCount; ++i)
+    {
+        ALint state = AL_STOPPED;
+        alGetSourcei(SourcePool[i], AL_SOURCE_STATE, &state);
+        if (state == AL_PLAYING)
+            return;
+    }
+    pause(device);
+    resting = true;
+}
+
+void OBJECTAL::Wake()
+{
+    auto resume = reinterpret_cast<LPALCDEVICERESUMESOFT>(OpenALEntry("alcDeviceResumeSOFT"));
+    if (!device || !resting || !resume)
+        return;
+    resume(device);
+    resting = false;
+}
+
 void InitSourcePool()
 {
     for (int n = SOURCE_POOL_SIZE; n >= 0; --n) {

@@ -26,8 +26,16 @@ public:
     // True when the device plays to nowhere because no real one could be opened.
     bool Silent() const { return silent; }
 
+    // The device's mixer costs processor time even when nothing sounds: Rest
+    // pauses it while no source plays, Wake resumes it before one starts.
+    // Both do nothing where the library cannot pause a device.
+    void Rest();
+    void Wake();
+    bool Resting() const { return resting; }
+
 private:
     bool silent = false;
+    bool resting = false;
 };
 
 // Generates as many pool sources as OpenAL grants, 50 at most.

@@ -54,8 +54,11 @@ SOURCE::~SOURCE()
 
 void SOURCE::Play()
 {
-    if (valid)
-        alSourcePlay(SourcePool[index]);
+    if (!valid)
+        return;
+    if (TheSound)
+        TheSound->Wake();
+    alSourcePlay(SourcePool[index]);
 }
 
 void SOURCE::SetPosition(float x, float y, float z)

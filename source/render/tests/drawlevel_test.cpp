@@ -513,3 +513,28 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
     FRAME batched = frame(true);
     same(plain, batched);
 }
+
+TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
+{
+    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
+    L->CurrentSegment = 0;
+    L->CurrentSide = 2;
+    L->CurrentPoint = 1;
+    View->Draw(); // blink on
+    P().Now += 501;
+    View->Draw(); // blink off, the whole frame
+    const std::vector<uint8_t> whole = Pixels();
+    P().Now += 501;
+    View->Draw(); // blink on again
+    P().Now += 501;
+    ASSERT_TRUE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
+    EXPECT_LT(View->ClipWidth * View->ClipHeight, TEST_WIDTH * TEST_HEIGHT * 3 / 4);
+    View->Draw(); // blink off, only the side's part
+    View->ClipWidth = 0;
+    EXPECT_EQ(Pixels(), whole);
+    EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+
+    // Behind the camera there are no bounds to trust.
+    View->Camera.Position = {0, 0, 0};
+    EXPECT_FALSE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
+}

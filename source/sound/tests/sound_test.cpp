@@ -198,16 +198,23 @@ TEST_F(SoundTest, SourcePropertiesAndTheInvalidCase)
     EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(10, 20, 30));
 }
 
-TEST_F(SoundTest, SoundsPlayToTheirEndOnTheNullOutput)
+TEST_F(SoundTest, SoundsPlayToTheirEndOnTheNullOutputAndTheMixerRestsBetween)
 {
+    TheSound = Sound.get();
+    Sound->Rest(); // nothing plays: the mixer stops
+    EXPECT_TRUE(Sound->Resting());
     BUFFER buffer("LaserShot.wav");
     SOURCE s(&buffer, 0, 0, 0, 0, 0, 0);
-    s.Play();
+    s.Play(); // wakes it
+    EXPECT_FALSE(Sound->Resting());
     EXPECT_EQ(s.GetState(), AL_PLAYING);
+    Sound->Rest(); // a sound plays: no rest
+    EXPECT_FALSE(Sound->Resting());
     auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     while (s.GetState() == AL_PLAYING && std::chrono::steady_clock::now() < until)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(s.GetState(), AL_STOPPED);
+    TheSound = nullptr;
 }
 
 TEST_F(SoundTest, AdvancedBufferIsReadyAgainAfterItsRandomPause)
