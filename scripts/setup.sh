@@ -11,7 +11,7 @@ packages=(
   libegl-dev libegl-mesa0 libpng-dev
   libfreetype-dev fonts-dejavu-core
   libopenal-dev libopenal1
-  xvfb xauth
+  xvfb xauth xdotool
 )
 
 missing=()

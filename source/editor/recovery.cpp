@@ -68,6 +68,11 @@ ORVERECOVERY::ORVERECOVERY(ORVEDOCUMENT& document, std::string directory, uint32
     : Doc(document), Directory(directory.empty() ? DefaultDirectory() : std::move(directory)),
       File(Directory + "/recovery.ORVLevel"), IntervalMs(intervalMs)
 {
+    if (IntervalMs == 0)
+    {
+        const char* ms = std::getenv("ORV_RECOVERY_MS");
+        IntervalMs = ms && std::atol(ms) > 0 ? uint32_t(std::atol(ms)) : DEFAULT_INTERVAL_MS;
+    }
 }
 
 bool ORVERECOVERY::Write()

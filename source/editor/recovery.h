@@ -24,9 +24,9 @@ public:
     static constexpr uint32_t DEFAULT_INTERVAL_MS = 30000;
 
     // `directory` empty: $ORV_RECOVERY_DIR, else $XDG_DATA_HOME/orvane-builder,
-    // else ~/.local/share/orvane-builder.
-    explicit ORVERECOVERY(ORVEDOCUMENT& document, std::string directory = "",
-                          uint32_t intervalMs = DEFAULT_INTERVAL_MS);
+    // else ~/.local/share/orvane-builder. `intervalMs` 0: $ORV_RECOVERY_MS
+    // (for tests of the running program), else 30 seconds.
+    explicit ORVERECOVERY(ORVEDOCUMENT& document, std::string directory = "", uint32_t intervalMs = 0);
 
     const std::string& Path() const { return File; }
 

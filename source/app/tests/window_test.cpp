@@ -15,6 +15,9 @@
 #include <QTest>
 
 #include <cstdlib>
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <filesystem>
 #include <map>
 
@@ -304,4 +307,45 @@ TEST_F(WindowTest, RecoveryCopyIsOfferedAtStart)
     EXPECT_NE(L().Segments[1], nullptr);
     EXPECT_EQ(W->windowTitle().toStdString(), (Dir / "mine.ORVLevel").string() + " - Orvane Builder");
     EXPECT_TRUE(W->Document()->Modified());
+}
+
+// The real program, killed: the recovery copy holds the work up to the last
+// interval (shortened here from 30 seconds to 1.5).
+TEST(RecoveryProcess, KillingTheEditorLosesAtMostTheLastInterval)
+{
+    if (!std::getenv("DISPLAY") || std::system("command -v xdotool >/dev/null") != 0)
+        GTEST_SKIP() << "needs an X server and xdotool";
+    const fs::path dir = fs::temp_directory_path() / ("orvkill-" + std::to_string(getpid()));
+    fs::create_directories(dir);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        setenv("ORV_RECOVERY_DIR", dir.c_str(), 1);
+        setenv("ORV_RECOVERY_MS", "1500", 1);
+        execl("./orvane-builder", "orvane-builder", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    bool up = false;
+    for (int i = 0; i < 100 && !up; ++i)
+    {
+        up = std::system("xdotool search --onlyvisible --name '^Orvane Builder$' >/dev/null 2>&1") == 0;
+        QTest::qWait(100);
+    }
+    ASSERT_TRUE(up);
+    QTest::qWait(500);
+    // The window sits at (0, 0): pick the side in the middle, extrude.
+    EXPECT_EQ(std::system("xdotool mousemove 320 300 click 1 sleep 0.3 key alt+s"), 0);
+    QTest::qWait(3000); // past the interval and the once-a-second check
+    EXPECT_EQ(std::system("xdotool key ctrl+w"), 0);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+
+    ORVEDOCUMENT doc;
+    ORVERECOVERY recovery(doc, dir.string());
+    RECOVERYCOPY copy;
+    ASSERT_EQ(recovery.Find(copy), ORVERECOVERY::INTACT);
+    recovery.Restore(copy);
+    EXPECT_NE(doc.Level().Segments[1], nullptr); // the extrusion survived the kill
+    EXPECT_FALSE(copy.FileName);
+    fs::remove_all(dir);
 }
