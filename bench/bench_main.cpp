@@ -5,6 +5,8 @@
 // With --verify it runs no benchmark but checks that each operation and its
 // literal version agree, and exits non-zero if any does not.
 #include "fulllevel.h"
+#include "editor/history.h"
+#include "orvlevel/levelcheck.h"
 #include "literal.h"
 #include "render.h"
 #include "verify.h"
@@ -185,6 +187,55 @@ void SaveLevel(benchmark::State& state)
     state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(std::filesystem::file_size(path)));
 }
 
+// A copy of the full level with a history, one point moved back and forth:
+// what recording a step, undoing and redoing it cost.
+struct HISTORYBENCH
+{
+    ORVLEVEL Level;
+    std::unique_ptr<ORVEHISTORY> History;
+    HISTORYBENCH()
+    {
+        const std::vector<uint8_t> image = Full().Serialize();
+        Level.Clear();
+        Level.Deserialize(image.data(), image.size());
+        History = std::make_unique<ORVEHISTORY>(Level);
+        Level.CurrentSegment = FullMiddleSegment(), Level.CurrentSide = 0, Level.CurrentPoint = 0;
+    }
+};
+
+void HistoryCheckpoint(benchmark::State& state)
+{
+    HISTORYBENCH b;
+    for (auto _ : state)
+    {
+        b.Level.MovePoint(0, 1, 0);
+        b.History->Checkpoint();
+    }
+}
+
+void Undo(benchmark::State& state)
+{
+    HISTORYBENCH b;
+    b.Level.MovePoint(0, 1, 0);
+    b.History->Checkpoint();
+    for (auto _ : state)
+    {
+        b.History->Undo();
+        state.PauseTiming();
+        b.History->Redo();
+        state.ResumeTiming();
+    }
+}
+
+void CheckLevelBench(benchmark::State& state)
+{
+    const ORVLEVEL& L = Full();
+    size_t problems = 0;
+    for (auto _ : state)
+        problems = CheckLevel(L).size();
+    state.counters["problems"] = double(problems);
+}
+
 void LoadLevel(benchmark::State& state)
 {
     const std::string path = LevelFile();
@@ -343,8 +394,8 @@ void PrintSummary(const RATIOREPORTER& r)
     for (const auto& [name, note] : rows)
         PrintRatio(name + note, r.Of(name + "/fast"), r.Of(name + "/literal"));
 
-    std::printf("\nThe spatial index (ms):\n");
-    for (const char* name : {"IndexBuild", "IndexAfterEdit"})
+    std::printf("\nThe spatial index, undo and diagnostics (ms):\n");
+    for (const char* name : {"IndexBuild", "IndexAfterEdit", "HistoryCheckpoint", "Undo", "CheckLevel"})
         if (r.Of(name).Real > 0)
             std::printf("%-28s %12.4f\n", name, r.Of(name).Real * 1e3);
 
@@ -400,6 +451,9 @@ int main(int argc, char** argv)
     add("CollidePoint/literal", CollidePoint, true);
     add("IndexBuild", IndexBuild);
     add("IndexAfterEdit", IndexAfterEdit)->Iterations(2000);
+    add("HistoryCheckpoint", HistoryCheckpoint);
+    add("Undo", Undo);
+    add("CheckLevel", CheckLevelBench);
     add("SaveLevel", SaveLevel);
     add("LoadLevel", LoadLevel);
     add("Serialize", Serialize);
