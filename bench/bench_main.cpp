@@ -2,6 +2,7 @@
 // beside the plain scan it replaces, and saving and loading beside a bare copy
 // of the file's bytes. The run ends with a table of ratios taken from its own
 // figures. Run it from the program directory: the level needs the bitmaps.
+// With --save-full-level FILE it saves the full-size level and stops.
 // With --verify it runs no benchmark but checks that each operation and its
 // literal version agree, and exits non-zero if any does not.
 #include "fulllevel.h"
@@ -425,6 +426,9 @@ int main(int argc, char** argv)
     InitTrigTables();
     if (argc == 2 && std::strcmp(argv[1], "--verify") == 0)
         return VerifyAgreement() == 0 ? 0 : 1;
+    // The full-size level as a file, to open in the editor (its idle cost).
+    if (argc == 3 && std::strcmp(argv[1], "--save-full-level") == 0)
+        return Full().SaveLevel(argv[2]) ? 0 : 1;
     Full();
 
     using benchmark::RegisterBenchmark;

@@ -29,7 +29,8 @@ int main(int argc, char** argv)
     LoadThingMeshes();
     RegisterThingClasses();
 
-    ORVEWINDOW window; // the frame driver with it; view and level at the first show
+    // A level named on the command line opens once the view exists.
+    ORVEWINDOW window(argc > 1 ? argv[1] : ""); // the frame driver with it; view and level at the first show
     TheSound = new OBJECTAL;
     LaserShotSound = new ADVBUFFER("LaserShot.wav");
     ExplosionSound = new ADVBUFFER("ExpGen.wav");

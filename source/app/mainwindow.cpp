@@ -168,7 +168,7 @@ void ORVEVIEW::focusOutEvent(QFocusEvent* e)
 // ---------------------------------------------------------------------------
 // The window
 
-ORVEWINDOW::ORVEWINDOW()
+ORVEWINDOW::ORVEWINDOW(std::string startLevel) : StartLevel(std::move(startLevel))
 {
     setWindowTitle(TITLE);
     move(0, 0);
@@ -237,23 +237,33 @@ void ORVEWINDOW::ViewReady()
     SyncMenu();
     Wake();
     // After the first frame, so the question has the editor behind it.
-    QTimer::singleShot(0, this, [this] { OfferRecovery(); });
+    QTimer::singleShot(0, this, [this] {
+        // A copy of lost work comes first; a level named on the command line
+        // is opened unless that work was restored.
+        if (!OfferRecovery() && !StartLevel.empty())
+        {
+            ViewWidget->makeCurrent();
+            OpenFile(StartLevel);
+            SyncMenu();
+            Wake();
+        }
+    });
 }
 
-void ORVEWINDOW::OfferRecovery()
+bool ORVEWINDOW::OfferRecovery()
 {
     RECOVERYCOPY copy;
     switch (RecoveryPtr->Find(copy))
     {
     case ORVERECOVERY::NONE:
-        return;
+        return false;
     case ORVERECOVERY::DAMAGED:
     {
         std::string aside = RecoveryPtr->SetAside();
         ShowMessage("Egy korábbi futás helyreállítási másolata sérült, ezért nem töltöttem be." +
                         (aside.empty() ? std::string() : "\nFélretettem ide:\n" + aside),
                     TITLE, MSGICON_WARNING);
-        return;
+        return false;
     }
     case ORVERECOVERY::INTACT:
         break;
@@ -262,7 +272,7 @@ void ORVEWINDOW::OfferRecovery()
     if (!AskYesNo("Egy korábbi futás mentetlen munkája megmaradt " + what + ".\nVisszaállítsam?", TITLE))
     {
         RecoveryPtr->Remove();
-        return;
+        return false;
     }
     ViewWidget->makeCurrent();
     RecoveryPtr->Restore(copy);
@@ -271,6 +281,7 @@ void ORVEWINDOW::OfferRecovery()
         UpdateTitle(*Doc->FileName());
     SyncMenu();
     Wake();
+    return true;
 }
 
 void ORVEWINDOW::closeEvent(QCloseEvent* e)
@@ -427,7 +438,11 @@ void ORVEWINDOW::UpdateTitle(const std::string& path)
 
 void ORVEWINDOW::Open()
 {
-    std::string path = OpenFileDialog(LEVEL_EXT, LEVEL_FILTER);
+    OpenFile(OpenFileDialog(LEVEL_EXT, LEVEL_FILTER));
+}
+
+void ORVEWINDOW::OpenFile(const std::string& path)
+{
     if (path.empty())
         return;
     if (!Doc->Open(path))

@@ -55,7 +55,8 @@ class ORVEWINDOW : public QMainWindow, private KERNELHOST
 {
     Q_OBJECT
 public:
-    ORVEWINDOW();
+    // `startLevel`: a level file to open once the view exists, or "".
+    explicit ORVEWINDOW(std::string startLevel = "");
     ~ORVEWINDOW() override;
 
     // Null until the view's OpenGL context exists (the first show).
@@ -80,8 +81,9 @@ public:
     // Something may have changed: run a pass soon.
     void Wake();
     ORVERECOVERY* Recovery() { return RecoveryPtr.get(); }
-    // Offers a recovery copy left by an editor that did not close cleanly.
-    void OfferRecovery();
+    // Offers a recovery copy left by an editor that did not close cleanly;
+    // true when the designer took it.
+    bool OfferRecovery();
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -102,6 +104,7 @@ private:
     // Menu states that follow the document: the mode check marks, undo, redo.
     void SyncMenu();
     void Open();
+    void OpenFile(const std::string& path);
     void Save();
     void SaveAs();
     // Dialog commands; the dialogs act on the level themselves.
@@ -123,6 +126,7 @@ private:
     std::unique_ptr<KERNEL> KernelPtr;
     std::unique_ptr<TEXTURE> ExplosionTexture;
     std::unique_ptr<ORVERECOVERY> RecoveryPtr;
+    std::string StartLevel;
     QTimer RecoveryTimer;
     std::map<int, QAction*> Actions;
     QTimer StepTimer;
