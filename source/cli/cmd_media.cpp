@@ -14,25 +14,6 @@
 
 namespace {
 
-// The console backend that also counts what the loader reported, so that a
-// broken file gives a non-zero status even where it is not fatal.
-class COUNTINGPLATFORM : public CONSOLEPLATFORM
-{
-public:
-    int Reports = 0;
-
-    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
-    {
-        ++Reports;
-        CONSOLEPLATFORM::MessageBox(text, caption, icon);
-    }
-    void Beep() override
-    {
-        ++Reports;
-        CONSOLEPLATFORM::Beep();
-    }
-};
-
 int Print(const JSONWRITER& json)
 {
     std::string out = json.Out + '\n';
@@ -84,7 +65,7 @@ int CmdMesh(std::span<char* const> args)
     json.Key("innerRadius").Float(inner);
     json.EndObject();
     int status = Print(json);
-    return platform.Reports ? 1 : status;
+    return platform.Messages + platform.Beeps ? 1 : status;
 }
 
 int CmdWave(std::span<char* const> args)

@@ -45,20 +45,6 @@ bool Number(const char* text, float& v)
     return true;
 }
 
-// The console backend that also counts messages, so that a level the loader
-// complained about is not drawn even where loading goes on.
-class COUNTINGPLATFORM : public CONSOLEPLATFORM
-{
-public:
-    int Reports = 0;
-
-    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
-    {
-        ++Reports;
-        CONSOLEPLATFORM::MessageBox(text, caption, icon);
-    }
-};
-
 bool Size(const char* text, int& w, int& h)
 {
     int used = 0;
@@ -112,7 +98,7 @@ int CmdRender(std::span<char* const> args)
         CLIDOCUMENT doc;
         COUNTINGPLATFORM platform;
         SetPlatform(&platform);
-        bool loaded = doc.Open(levelFile) && platform.Reports == 0;
+        bool loaded = doc.Open(levelFile) && platform.Messages == 0;
         SetPlatform(nullptr);
         if (loaded)
         {

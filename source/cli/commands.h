@@ -3,6 +3,8 @@
 // program's exit status.
 #pragma once
 
+#include "platform/platform.h"
+
 #include <span>
 
 constexpr int EXIT_USAGE = 2;
@@ -18,6 +20,26 @@ struct CLICOMMAND
 };
 
 std::span<const CLICOMMAND> CliCommands();
+
+// The console backend that also counts messages and beeps, so that a file the
+// loader complained about gives a non-zero status even where loading goes on.
+class COUNTINGPLATFORM : public CONSOLEPLATFORM
+{
+public:
+    int Messages = 0;
+    int Beeps = 0;
+
+    void MessageBox(const std::string& text, const std::string& caption, MESSAGEICON icon) override
+    {
+        ++Messages;
+        CONSOLEPLATFORM::MessageBox(text, caption, icon);
+    }
+    void Beep() override
+    {
+        ++Beeps;
+        CONSOLEPLATFORM::Beep();
+    }
+};
 
 // Looks up the command in argv[1] and runs it; usage errors exit 2.
 int RunCommandLine(int argc, char** argv);
