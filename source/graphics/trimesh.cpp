@@ -32,6 +32,8 @@ T** NewTable(int n)
 template <typename T>
 void DeleteTable(T** table, int n)
 {
+    if (!table)
+        return;
     for (int i = 0; i < n; ++i)
         delete table[i];
     delete[] table;
@@ -174,24 +176,42 @@ void ReadSurface(const uint8_t* data, uint32_t size, const uint8_t* srfs, const 
 
 } // namespace
 
-TRIMESH::TRIMESH(const char* file, float scale)
+TRIMESH::TRIMESH(const char* file, float scale) : vertices(nullptr), triangles(nullptr), surfaces(nullptr)
 {
-    vertices = NewTable<VECTOR3D>(TRIMESH_MAX_VERTICES);
-    triangles = NewTable<TRIANGLE>(TRIMESH_MAX_TRIANGLES);
-    surfaces = NewTable<VECTOR3D>(TRIMESH_MAX_SURFACES);
-    std::memset(name, 0, sizeof name);
-    listId = 0;
-    if (file)
-        Load(file, scale);
+    // A fatal message can come back as an exception (the test seam does
+    // that); the tables must not outlive the half-built mesh.
+    try
+    {
+        vertices = NewTable<VECTOR3D>(TRIMESH_MAX_VERTICES);
+        triangles = NewTable<TRIANGLE>(TRIMESH_MAX_TRIANGLES);
+        surfaces = NewTable<VECTOR3D>(TRIMESH_MAX_SURFACES);
+        std::memset(name, 0, sizeof name);
+        listId = 0;
+        if (file)
+            Load(file, scale);
+    }
+    catch (...)
+    {
+        FreeTables();
+        throw;
+    }
     hasList = false;
     dirty = true;
 }
 
-TRIMESH::~TRIMESH()
+void TRIMESH::FreeTables()
 {
     DeleteTable(vertices, TRIMESH_MAX_VERTICES);
     DeleteTable(triangles, TRIMESH_MAX_TRIANGLES);
     DeleteTable(surfaces, TRIMESH_MAX_SURFACES);
+    vertices = nullptr;
+    triangles = nullptr;
+    surfaces = nullptr;
+}
+
+TRIMESH::~TRIMESH()
+{
+    FreeTables();
 }
 
 void TRIMESH::Load(const char* file, float scale)

@@ -52,4 +52,7 @@ public:
     int VertexCount() const;
     int TriangleCount() const;
     int SurfaceCount() const; // surfaces with a colour
+
+private:
+    void FreeTables();
 };

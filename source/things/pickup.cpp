@@ -22,12 +22,6 @@ void Tell(SPACESHIP* ship, const char* utf8)
     ship->ShowMessage(text.c_str());
 }
 
-// The energy and shield limit of a ship level.
-int32_t Limit(int32_t shipLevel)
-{
-    return 150 + 50 * shipLevel;
-}
-
 } // namespace
 
 PICKUP::PICKUP() = default;
@@ -48,7 +42,7 @@ PICKUP::~PICKUP()
 
 void PICKUP::Update()
 {
-    if (!ghost && --solidTicks <= 0)
+    if (!ghost && (solidTicks = CountDown(solidTicks)) <= 0)
         ghost = true;
     if (!Level)
         return;
@@ -151,7 +145,7 @@ bool P_TEMPEST::ApplyTo(SPACESHIP* ship)
 
 bool P_ENERGY::ApplyTo(SPACESHIP* ship)
 {
-    const int32_t limit = Limit(ship->shipLevel);
+    const int32_t limit = ShipLevelLimit(ship->shipLevel);
     if (float(limit) > ship->energy)
     {
         ship->energy += 15.0f;
@@ -165,7 +159,7 @@ bool P_ENERGY::ApplyTo(SPACESHIP* ship)
 
 bool P_SHIELD::ApplyTo(SPACESHIP* ship)
 {
-    const int32_t limit = Limit(ship->shipLevel);
+    const int32_t limit = ShipLevelLimit(ship->shipLevel);
     if (float(limit) > ship->shield)
     {
         ship->shield += 15.0f;

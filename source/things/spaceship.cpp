@@ -175,7 +175,7 @@ void SPACESHIP::Members(THINGMEMBERS& m)
 void SPACESHIP::Update()
 {
     money += 0.1f;
-    if (--messageTicks == 0)
+    if ((messageTicks = CountDown(messageTicks)) == 0)
     {
         messageTicks = 20;
         ScrollMessages();
@@ -189,7 +189,7 @@ void SPACESHIP::Update()
         dying = true;
         dyingTicks = 100;
     }
-    const float limit = float(150 + 50 * shipLevel);
+    const float limit = float(ShipLevelLimit(shipLevel));
     if (shield > limit)
         shield = limit;
     if (energy > limit)
@@ -200,7 +200,7 @@ void SPACESHIP::Update()
 
     if (dying)
     {
-        --dyingTicks;
+        dyingTicks = CountDown(dyingTicks);
         if (int32_t(LRand() % 5) == dyingTicks % 5)
             HandToLevel(Level, new EXPLOSION(1.0f, 12.0f, oldPosition + RandomBoxOffset()));
         if (dyingTicks <= 0)
@@ -308,7 +308,7 @@ void SPACESHIP::AttackTarget()
         if (strafeDirection >= 0 && strafeDirection < 4)
             Control(moves[strafeDirection], 10.0f);
     }
-    if (--strafeTicks < 1 && skill > 0)
+    if ((strafeTicks = CountDown(strafeTicks)) < 1 && skill > 0)
     {
         strafeTicks = skill == 1 ? 20 : 10;
         strafeDirection = int32_t(LRand() % 4);
@@ -379,7 +379,7 @@ void SPACESHIP::FireSecondary(ORVLEVEL* level)
     HandToLevel(level, missile);
     secondaryCooldown = 20;
     launchSide = !launchSide;
-    --tempestCount;
+    tempestCount = CountDown(tempestCount);
 }
 
 void SPACESHIP::ShowMessage(const char* text)

@@ -15,6 +15,20 @@ constexpr int SHIP_MESSAGE_SIZE = 100;
 // F(n) = 0 for n < 0, F(0) = F(1) = 1, F(n) = F(n-1) + F(n-2).
 int32_t Fibonacci(int32_t n);
 
+// The shield and energy limit of a ship level, 150 + 50 * level. Levels come
+// from files too, so the arithmetic wraps at 32 bits instead of overflowing.
+inline int32_t ShipLevelLimit(int32_t shipLevel)
+{
+    return int32_t(150u + 50u * uint32_t(shipLevel));
+}
+
+// A stored counter one step down, wrapping at 32 bits like the counters of
+// the records it comes from.
+inline int32_t CountDown(int32_t ticks)
+{
+    return int32_t(uint32_t(ticks) - 1u);
+}
+
 struct RGBA
 {
     float r, g, b, a;

@@ -164,13 +164,17 @@ VECTOR3D THING::RandomBoxOffset() const
 VECTOR3D THING::RandomOffset(float r, bool)
 {
     // Rejection sampling in the cube around the ball; Rand never exceeds
-    // 32767, so each try lands in the ball with probability pi/6.
+    // 32767, so each try lands in the ball with probability pi/6. A negative
+    // radius has no ball, and beyond 1e18 the squared length would overflow
+    // to infinity and reject every try, so that test is made on the unit ball.
+    if (r < 0.0f)
+        return VECTOR3D(0.0f, 0.0f, 0.0f);
     for (;;) {
         float x = Rand() * RAND_SCALE * 2.0f * r - r;
         float y = Rand() * RAND_SCALE * 2.0f * r - r;
         float z = Rand() * RAND_SCALE * 2.0f * r - r;
         VECTOR3D v(x, y, z);
-        if (!(Length(v) > r))
+        if (r < 1.0e18f ? !(Length(v) > r) : !(Length(v * (1.0f / r)) > 1.0f))
             return v;
     }
 }

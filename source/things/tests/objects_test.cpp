@@ -8,6 +8,7 @@
 #include "things/spaceship.h"
 #include "things/thingmeshes.h"
 
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -331,4 +332,37 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     L->Segments[0]->Type = 0;
     a->DrawCockpit();
     EXPECT_EQ(a->shopState, -1);
+}
+
+// Counters and levels come from files as they are; the tick must stay
+// defined for any of them (the sanitizer build checks the arithmetic).
+TEST_F(ObjectsTest, StoredExtremesKeepTheTickDefined)
+{
+    SPACESHIP s;
+    s.Level = L.get();
+    s.shipLevel = -211296062;
+    s.messageTicks = INT32_MIN;
+    s.strafeTicks = INT32_MIN;
+    s.shield = 1.0e30f;
+    s.Update();
+    EXPECT_EQ(s.messageTicks, INT32_MAX);
+    EXPECT_EQ(s.shield, float(ShipLevelLimit(-211296062)));
+    s.dying = true;
+    s.dyingTicks = INT32_MIN;
+    s.Update();
+    EXPECT_EQ(s.dyingTicks, INT32_MAX);
+
+    P_ENERGY item(VECTOR3D(0, 0, 0), Z, Y, X);
+    item.Level = L.get();
+    item.solidTicks = INT32_MIN;
+    item.Update();
+    EXPECT_EQ(item.solidTicks, INT32_MAX);
+
+    // A spark can be any size: the offset stays in its ball, or is none.
+    for (float r : {1.6e29f, 3.0e38f})
+    {
+        VECTOR3D v = THING::RandomOffset(r);
+        EXPECT_LE(Length(v * (1.0f / r)), 1.0f);
+    }
+    EXPECT_EQ(THING::RandomOffset(-1.0f), VECTOR3D(0, 0, 0));
 }
