@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <new>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -99,6 +100,33 @@ static bool WriteAll(int fd, const uint8_t* data, size_t size)
     return true;
 }
 
+namespace {
+
+// The hidden name of a target's temporary files: ".<name>.orvsave-" and six
+// random characters, the name cut short so the whole fits a directory entry.
+std::string TempPrefix(const std::string& base)
+{
+    return "." + base.substr(0, 200) + ".orvsave-";
+}
+
+// A save killed half-way leaves its temporary file; the next save of the same
+// target clears it away.
+void RemoveLeftovers(const std::string& dir, const std::string& prefix)
+{
+    DIR* d = opendir(dir.c_str());
+    if (!d)
+        return;
+    while (dirent* e = readdir(d))
+    {
+        const std::string name = e->d_name;
+        if (name.size() == prefix.size() + 6 && name.compare(0, prefix.size(), prefix) == 0)
+            unlink((dir + name).c_str());
+    }
+    closedir(d);
+}
+
+} // namespace
+
 // Writes the bytes to a new file beside the target and renames it over the
 // target, so the previous file survives any failure. A symbolic link is
 // followed, so the link itself stays.
@@ -117,7 +145,9 @@ bool ReplaceFile(const std::string& name, const uint8_t* data, size_t size)
     mode_t mode;
     if (stat(target.c_str(), &st) == 0)
     {
-        if (!S_ISREG(st.st_mode))
+        // A file marked read-only is the owner's "do not touch", even for
+        // root, who could rename over it.
+        if (!S_ISREG(st.st_mode) || (st.st_mode & 0222) == 0 || access(target.c_str(), W_OK) != 0)
             return false;
         mode = st.st_mode & 07777;
     }
@@ -130,7 +160,9 @@ bool ReplaceFile(const std::string& name, const uint8_t* data, size_t size)
 
     size_t slash = target.rfind('/');
     std::string dir = slash == std::string::npos ? "./" : target.substr(0, slash + 1);
-    std::string temp = dir + ".orvsave-XXXXXX";
+    std::string prefix = TempPrefix(slash == std::string::npos ? target : target.substr(slash + 1));
+    RemoveLeftovers(dir, prefix);
+    std::string temp = dir + prefix + "XXXXXX";
     int fd = mkstemp(temp.data());
     if (fd < 0)
         return false;

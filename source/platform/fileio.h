@@ -14,5 +14,6 @@ bool ReadWholeFile(const std::string& name, std::unique_ptr<uint8_t[]>& out, siz
 
 // Writes the bytes to a hidden temporary file beside the target and renames
 // it over the target. A symbolic link is followed, so the link itself stays;
-// an existing file keeps its permissions.
+// an existing file keeps its permissions. A read-only target is refused.
+// Temporary files that a killed save of the same target left are removed.
 bool ReplaceFile(const std::string& name, const uint8_t* data, size_t size);

@@ -335,6 +335,16 @@ TEST_F(LevelFileTest, FailedSaveKeepsThePreviousFileAndSaysSo)
     EXPECT_TRUE(fs::is_directory(Dir / "sub"));
     EXPECT_FALSE(fs::exists(Dir / "nodir"));
 
+    // A read-only file is refused, even for root.
+    const fs::path locked = Dir / "locked.ORVLevel";
+    WriteFile(locked, {4, 5});
+    fs::permissions(locked, fs::perms::owner_read);
+    P().Reset();
+    L->SaveLevel(locked.c_str());
+    ExpectOneStop();
+    EXPECT_EQ(ReadFile(locked), (std::vector<uint8_t>{4, 5}));
+    fs::remove(locked);
+
     // A write that fails half way (here: over the file size limit, which
     // holds for root too) must not touch the previous file.
     std::vector<uint8_t> previous = ReadFile(file);
@@ -351,6 +361,7 @@ TEST_F(LevelFileTest, FailedSaveKeepsThePreviousFileAndSaysSo)
     signal(SIGXFSZ, oldSignal);
     ExpectOneStop();
     EXPECT_EQ(ReadFile(file), previous);
+    EXPECT_EQ(L->Points[0]->x, 1); // the level itself is as it was
     // No temporary file is left behind, whatever happened.
     std::vector<fs::path> left;
     for (const auto& e : fs::directory_iterator(Dir))
