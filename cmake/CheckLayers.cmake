@@ -18,7 +18,7 @@ set(folder_fuzz fuzz)
 # Beside the layers: what each of them may use.
 set(allowed_cli math platform graphics sound world editor render cli)
 set(allowed_bench math platform graphics sound world editor render bench)
-set(allowed_fuzz math platform graphics sound world editor render fuzz)
+set(allowed_fuzz math platform graphics sound world editor render cli fuzz)
 
 function(layer_index name out)
   list(FIND layers ${name} i)

