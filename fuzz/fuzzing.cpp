@@ -16,12 +16,14 @@ std::string Scratch;
 void FuzzSetUp(const char* argv0)
 {
     SetPlatform(&Quiet);
-    std::string dir = argv0;
-    size_t slash = dir.rfind('/');
-    if (slash != std::string::npos && chdir(dir.substr(0, slash + 1).c_str()) != 0)
+    const std::string program = argv0;
+    size_t slash = program.rfind('/');
+    if (slash != std::string::npos && chdir(program.substr(0, slash + 1).c_str()) != 0)
         std::perror("chdir");
+    // Memory-backed when the system has it: every input is written there.
     const char* tmp = std::getenv("TMPDIR");
-    Scratch = std::string(tmp && *tmp ? tmp : "/tmp") + "/orvfuzz-" + std::to_string(getpid());
+    const std::string dir = tmp && *tmp ? tmp : access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
+    Scratch = dir + "/orvfuzz-" + std::to_string(getpid());
     std::atexit([] {
         unlink(Scratch.c_str());
         unlink((Scratch + ".level").c_str());

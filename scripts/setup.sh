@@ -12,6 +12,7 @@ packages=(
   libfreetype-dev fonts-dejavu-core
   libopenal-dev libopenal1
   xvfb xauth xdotool
+  clang libclang-rt-14-dev llvm
 )
 
 missing=()
