@@ -95,8 +95,8 @@ TEST(FontTest, EveryPrintableCodeHasItsOwnGlyph)
         for (size_t j = i + 1; j < letters.size(); ++j)
             EXPECT_NE(bits(uint8_t(letters[i])), bits(uint8_t(letters[j]))) << i << " " << j;
     // One advance for every printable character, so columns of numbers line up.
-    EXPECT_EQ(FontGlyphs['1'].Advance, FontGlyphs['['].Advance);
-    EXPECT_EQ(FontGlyphs['.'].Advance, FontGlyphs[0xFB].Advance);
+    EXPECT_EQ(FontGlyphs[uint8_t('1')].Advance, FontGlyphs[uint8_t('[')].Advance);
+    EXPECT_EQ(FontGlyphs[uint8_t('.')].Advance, FontGlyphs[0xFB].Advance);
 }
 
 TEST_F(RenderTest, GlyphListsDrawTheirBitmapAndAdvance)
@@ -111,7 +111,7 @@ TEST_F(RenderTest, GlyphListsDrawTheirBitmapAndAdvance)
     {
         EXPECT_EQ(item.Token, GLenum(GL_BITMAP_TOKEN));
         EXPECT_FLOAT_EQ(item.Vertices[0].X, x);
-        x += FontGlyphs['S'].Advance;
+        x += FontGlyphs[uint8_t('S')].Advance;
     }
     EXPECT_TRUE(Feedback([] { Print2D(10, 10, "", FONT_LIST_BASE); }).empty());
 
