@@ -106,12 +106,14 @@ bool P_LASERBOOST::ApplyTo(SPACESHIP* ship)
 {
     int32_t& w = ship->primaryWeapon;
     const int32_t s = ship->shipLevel;
+    // Twice the ship level, wrapping at 32 bits like the stored level itself.
+    const int32_t twice = int32_t(2u * uint32_t(s));
     if (w == -1)
     {
         w = 0;
         return true;
     }
-    if (w >= 0 && w < 9 && 2 * s > w + 1)
+    if (w >= 0 && w < 9 && twice > w + 1)
     {
         ++w;
         return true;
@@ -123,7 +125,7 @@ bool P_LASERBOOST::ApplyTo(SPACESHIP* ship)
     else
     {
         char text[200];
-        std::snprintf(text, sizeof text, "%d. színtű hajó csak %d. színtig fejlesztheti a lézert!", int(s), int(2 * s));
+        std::snprintf(text, sizeof text, "%d. színtű hajó csak %d. színtig fejlesztheti a lézert!", int(s), int(twice));
         Tell(ship, text);
     }
     return false;

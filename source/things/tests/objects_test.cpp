@@ -352,6 +352,12 @@ TEST_F(ObjectsTest, StoredExtremesKeepTheTickDefined)
     s.Update();
     EXPECT_EQ(s.dyingTicks, INT32_MAX);
 
+    s.primaryWeapon = 3;
+    s.shipLevel = -2063594752; // twice that wraps to 167777792
+    P_LASERBOOST boost(VECTOR3D(0, 0, 0), Z, Y, X);
+    EXPECT_TRUE(boost.ApplyTo(&s));
+    EXPECT_EQ(s.primaryWeapon, 4);
+
     P_ENERGY item(VECTOR3D(0, 0, 0), Z, Y, X);
     item.Level = L.get();
     item.solidTicks = INT32_MIN;
