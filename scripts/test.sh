@@ -9,9 +9,11 @@ bash scripts/setup.sh
 jobs=$(nproc)
 
 run_tests() {
-  # Tests that open windows need an X server; they get one from xvfb-run.
+  # Tests that open windows need an X server; they get one from xvfb-run,
+  # kept from resetting between test programs, when a new client could find
+  # it half-way through the reset.
   if command -v xvfb-run >/dev/null 2>&1 && [ -z "${DISPLAY:-}" ]; then
-    xvfb-run -a -s "-screen 0 1024x768x24" ctest --output-on-failure -j"$jobs"
+    xvfb-run -a -s "-screen 0 1024x768x24 -noreset" ctest --output-on-failure -j"$jobs"
   else
     ctest --output-on-failure -j"$jobs"
   fi
