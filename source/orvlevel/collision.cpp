@@ -278,7 +278,7 @@ bool ORVLEVEL::CollideEverySegment(VECTOR3D* from, float distance, bool swept, V
         if (!tame || !LEVELINDEX::Tame(reach))
         {
             // Beyond what the grid can answer for: every segment.
-            for (int32_t s = first; s < MAX_SEGMENTS; ++s)
+            for (int32_t s = first; s < SegmentsEnd(); ++s)
                 if (Segments[s])
                     hit |= CollideSegmentAt(from, *Segments[s], s, distance, swept, to, correct);
             return hit;

@@ -1,6 +1,7 @@
 #include "orvlevel/level.h"
 #include "orvlevel/levelindex.h"
 #include "platform/newordie.h"
+#include "platform/pages.h"
 
 #include "graphics/texture.h"
 #include "math/geometry.h"
@@ -8,6 +9,7 @@
 #include "platform/platform.h"
 #include "things/thing.h"
 
+#include <algorithm>
 #include <bitset>
 #include <cstring>
 #include <new>
@@ -120,21 +122,30 @@ ORVLEVEL::~ORVLEVEL()
 
 void ORVLEVEL::AllocateStores()
 {
-    // Raw memory: pages nobody fills are never touched.
+    // Whole pages, zero-filled by the system: the tables start empty, and
+    // pages nobody fills are never touched.
     if (!PointStore)
-        PointStore = static_cast<VECTOR3D*>(::operator new(sizeof(VECTOR3D) * MAX_POINTS));
+        PointStore = static_cast<VECTOR3D*>(AllocatePages(sizeof(VECTOR3D) * MAX_POINTS));
     if (!SegmentStore)
-        SegmentStore = static_cast<SEGMENT*>(::operator new(sizeof(SEGMENT) * MAX_SEGMENTS));
+        SegmentStore = static_cast<SEGMENT*>(AllocatePages(sizeof(SEGMENT) * MAX_SEGMENTS));
+    if (!PointSlots)
+        PointSlots = static_cast<VECTOR3D**>(AllocatePages(sizeof(VECTOR3D*) * MAX_POINTS));
+    if (!SegmentSlots)
+        SegmentSlots = static_cast<SEGMENT**>(AllocatePages(sizeof(SEGMENT*) * MAX_SEGMENTS));
     if (!Index)
         Index = new LEVELINDEX;
 }
 
 void ORVLEVEL::FreeStores()
 {
-    ::operator delete(PointStore);
+    FreePages(PointStore, sizeof(VECTOR3D) * MAX_POINTS);
     PointStore = nullptr;
-    ::operator delete(SegmentStore);
+    FreePages(SegmentStore, sizeof(SEGMENT) * MAX_SEGMENTS);
     SegmentStore = nullptr;
+    FreePages(PointSlots, sizeof(VECTOR3D*) * MAX_POINTS);
+    PointSlots = nullptr;
+    FreePages(SegmentSlots, sizeof(SEGMENT*) * MAX_SEGMENTS);
+    SegmentSlots = nullptr;
     delete Index;
     Index = nullptr;
 }
@@ -171,8 +182,8 @@ void ORVLEVEL::AllocateTables()
     FreeTables();
     try
     {
-        Points = NewTable<VECTOR3D>(MAX_POINTS);
-        Segments = NewTable<SEGMENT>(MAX_SEGMENTS);
+        Points = PointSlots; // empty: FreeTables nulls what was used
+        Segments = SegmentSlots;
         Textures = NewTable<TEXTURE>(MAX_TEXTURES);
         Things = NewTable<THING>(MAX_THINGS);
         Lights = NewTable<STATICLIGHT>(MAX_LIGHTS);
@@ -185,6 +196,7 @@ void ORVLEVEL::AllocateTables()
     }
     for (int& hint : FreeHint)
         hint = 0;
+    PointsTop = SegmentsTop = 0;
 }
 
 void ORVLEVEL::DestroyThings()
@@ -218,14 +230,20 @@ void ORVLEVEL::FreeTables()
     DestroyAll(Textures, MAX_TEXTURES);
     DestroyAll(Lights, MAX_LIGHTS);
     DestroyAll(SpecPoints, MAX_SPECPOINTS);
-    FreeTable(Points);
-    FreeTable(Segments);
+    // The big tables stay with the stores; emptying the used part is enough.
+    if (Points)
+        std::fill(Points, Points + PointsTop, nullptr);
+    if (Segments)
+        std::fill(Segments, Segments + SegmentsTop, nullptr);
+    Points = nullptr;
+    Segments = nullptr;
     FreeTable(Textures);
     FreeTable(Things);
     FreeTable(Lights);
     FreeTable(SpecPoints);
     for (int& hint : FreeHint)
         hint = 0;
+    PointsTop = SegmentsTop = 0;
 }
 
 void ORVLEVEL::Clear()
@@ -270,6 +288,7 @@ bool ORVLEVEL::PutPoint(int32_t index, VECTOR3D p)
     if (!Points || index < 0 || index >= MAX_POINTS)
         return false;
     Points[index] = new (&PointStore[index]) VECTOR3D(p);
+    PointsTop = std::max(PointsTop, index + 1);
     Changed();
     return true;
 }
@@ -282,6 +301,7 @@ bool ORVLEVEL::PutSegment(int32_t index, const SEGMENT& s)
     if (&s != slot) // the argument may be the slot's own segment
         new (slot) SEGMENT(s);
     Segments[index] = slot;
+    SegmentsTop = std::max(SegmentsTop, index + 1);
     Changed();
     return true;
 }
@@ -366,7 +386,7 @@ void ORVLEVEL::RemoveUnusedPoints()
         return;
     // One pass over the segments instead of one per point.
     std::bitset<MAX_POINTS> used;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
+    for (int s = 0; s < SegmentsEnd(); ++s)
     {
         if (!Segments[s])
             continue;
@@ -374,7 +394,7 @@ void ORVLEVEL::RemoveUnusedPoints()
             if (c >= 0 && c < MAX_POINTS)
                 used.set(c);
     }
-    for (int i = 0; i < MAX_POINTS; ++i)
+    for (int i = 0; i < PointsEnd(); ++i)
         if (Points[i] && !used.test(i))
             DeletePoint(i);
 }
@@ -697,7 +717,7 @@ int32_t ORVLEVEL::FindSegment(VECTOR3D p, SEGMENT** found) const
     if (LEVELINDEX::Tame(p))
         s = CurrentIndex().FirstHolding(p, holds);
     else // undefined or huge coordinates pass every plane test: only the scan answers alike
-        for (int i = 0; i < MAX_SEGMENTS && s < 0; ++i)
+        for (int i = 0; i < SegmentsEnd() && s < 0; ++i)
             if (holds(i))
                 s = i;
     if (s >= 0 && found)
@@ -783,7 +803,7 @@ void ORVLEVEL::UpdateDoors()
     if (!Segments)
         return;
     Changed();
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
+    for (int s = 0; s < SegmentsEnd(); ++s)
     {
         SEGMENT* seg = Segments[s];
         if (!seg)

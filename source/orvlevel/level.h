@@ -155,6 +155,12 @@ public:
     uint64_t Revision = 0;
     void Changed() { ++Revision; }
 
+    // One past the highest point or segment slot filled since the tables were
+    // made: every slot from there on is empty, so walks over a small level
+    // stop early instead of visiting all the fixed capacity.
+    int32_t PointsEnd() const { return PointsTop; }
+    int32_t SegmentsEnd() const { return SegmentsTop; }
+
     // Set while the level is rebuilt from a stored image (undo and redo):
     // objects destroyed then leave nothing behind, since the image already
     // holds whatever the level had.
@@ -417,6 +423,10 @@ private:
     // until a slot is filled.
     VECTOR3D* PointStore = nullptr;
     SEGMENT* SegmentStore = nullptr;
+    // The point and segment tables themselves, kept as long as the stores:
+    // Points and Segments are these while the level has tables, else null.
+    VECTOR3D** PointSlots = nullptr;
+    SEGMENT** SegmentSlots = nullptr;
     void AllocateStores();
     void FreeStores();
 
@@ -427,6 +437,9 @@ private:
 
     // Lowest slot that may be free in each table: every slot below is in use.
     int FreeHint[6] = {};
+    // Behind PointsEnd and SegmentsEnd; they only grow until the tables go.
+    int32_t PointsTop = 0;
+    int32_t SegmentsTop = 0;
     // Set for the last sweep of Clear: destructors can no longer add things.
     bool ThingsClosed = false;
 

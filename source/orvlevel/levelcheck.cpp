@@ -104,7 +104,7 @@ private:
 
     void Segments()
     {
-        for (int32_t s = 0; s < MAX_SEGMENTS; ++s)
+        for (int32_t s = 0; s < L.SegmentsEnd(); ++s)
         {
             const SEGMENT* seg = L.Segments[s];
             if (!seg)
@@ -179,7 +179,7 @@ private:
 
     void UnusedPoints()
     {
-        for (int32_t p = 0; p < MAX_POINTS; ++p)
+        for (int32_t p = 0; p < L.PointsEnd(); ++p)
             if (L.Points[p] && !Used.test(size_t(p)))
                 Add(Format("Pont %d: egyik szegmens sem használja.", p), -1, -1, p);
     }

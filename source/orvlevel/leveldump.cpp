@@ -248,7 +248,7 @@ std::string DumpLevelJson(const ORVLEVEL& level)
     j.Key("currentTexture").Int(level.CurrentTexture);
 
     j.Key("points").BeginArray();
-    for (int i = 0; level.Points && i < MAX_POINTS; ++i)
+    for (int i = 0; level.Points && i < level.PointsEnd(); ++i)
         if (const VECTOR3D* p = level.Points[i])
         {
             j.BeginObject();
@@ -261,7 +261,7 @@ std::string DumpLevelJson(const ORVLEVEL& level)
     j.EndArray();
 
     j.Key("segments").BeginArray();
-    for (int i = 0; level.Segments && i < MAX_SEGMENTS; ++i)
+    for (int i = 0; level.Segments && i < level.SegmentsEnd(); ++i)
         if (const SEGMENT* s = level.Segments[i])
             DumpSegment(j, i, *s);
     j.EndArray();

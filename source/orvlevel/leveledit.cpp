@@ -100,7 +100,7 @@ void ORVLEVEL::PickSide(int x, int y, const CAMERA& camera, int width, int heigh
     if (LEVELINDEX::Tame(o) && LEVELINDEX::Tame(d) && !(d == VECTOR3D()))
         CurrentIndex().TraceRay(o, d, test);
     else // a ray the grid cannot follow
-        for (int s = 0; s < MAX_SEGMENTS; ++s)
+        for (int s = 0; s < SegmentsEnd(); ++s)
             test(s);
     if (bestSegment >= 0)
     {

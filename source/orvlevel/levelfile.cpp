@@ -10,6 +10,7 @@
 #include "platform/platform.h"
 #include "things/thing.h"
 
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cstddef>
@@ -254,6 +255,7 @@ private:
             std::memcpy(&L.PointStore[index], In.Data + In.Pos, sizeof(VECTOR3D));
             In.Pos += sizeof(VECTOR3D);
             L.Points[index] = &L.PointStore[index];
+            L.PointsTop = std::max(L.PointsTop, index + 1);
         }
     }
 
@@ -291,6 +293,7 @@ private:
             if (!hasType)
                 s->Type = SEGTYPE_NORMAL;
             L.Segments[index] = s;
+            L.SegmentsTop = std::max(L.SegmentsTop, index + 1);
         }
     }
 
@@ -407,8 +410,8 @@ private:
 
 std::vector<uint8_t> ORVLEVEL::Serialize() const
 {
-    const int points = CountOf(Points, MAX_POINTS);
-    const int segments = CountOf(Segments, MAX_SEGMENTS);
+    const int points = CountOf(Points, PointsEnd());
+    const int segments = CountOf(Segments, SegmentsEnd());
     const int textures = CountOf(Textures, MAX_TEXTURES);
     const int things = CountOf(Things, MAX_THINGS);
     const int lights = CountOf(Lights, MAX_LIGHTS);
@@ -426,7 +429,7 @@ std::vector<uint8_t> ORVLEVEL::Serialize() const
 
     // Points and segments go straight into room made for the whole section.
     uint8_t* out = Grow(w, size_t(points) * (4 + sizeof(VECTOR3D)));
-    for (int i = 0; Points && i < MAX_POINTS; ++i)
+    for (int i = 0; Points && i < PointsEnd(); ++i)
         if (Points[i])
         {
             std::memcpy(out, &i, 4);
@@ -439,7 +442,7 @@ std::vector<uint8_t> ORVLEVEL::Serialize() const
     // was read with.
     const uint32_t recordSize = SEGMENT_RECORD_SIZE;
     out = Grow(w, size_t(segments) * (4 + SEGMENT_RECORD_SIZE));
-    for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
+    for (int i = 0; Segments && i < SegmentsEnd(); ++i)
         if (Segments[i])
         {
             std::memcpy(out, &i, 4);
@@ -528,7 +531,7 @@ bool ORVLEVEL::SaveLevel(const char* fileName)
         FatalMessage(MSG_NOMEM_SAVE);
     }
     // The memory copy now holds what the file holds.
-    for (int i = 0; Segments && i < MAX_SEGMENTS; ++i)
+    for (int i = 0; Segments && i < SegmentsEnd(); ++i)
         if (Segments[i])
             Segments[i]->RecordSize = SEGMENT_RECORD_SIZE;
     if (ReplaceFile(*FileName, image.data(), image.size()))

@@ -190,8 +190,14 @@ void LEVELINDEX::Update(const ORVLEVEL& level)
         return Build(level);
     if (Revision == level.Revision)
         return;
+    // Slots past both the shapes and the level's used end are empty on both sides.
+    if (size_t(level.SegmentsEnd()) > Shapes.size())
+    {
+        Shapes.resize(size_t(level.SegmentsEnd()));
+        Stamp.resize(Shapes.size(), 0);
+    }
     bool changed = false;
-    for (int32_t s = 0; s < MAX_SEGMENTS; ++s)
+    for (int32_t s = 0; s < int32_t(Shapes.size()); ++s)
         if (!Same(level, s))
         {
             Shape(level, s, Shapes[s]); // out of the grid until it is built again
@@ -207,10 +213,11 @@ void LEVELINDEX::Update(const ORVLEVEL& level)
 
 void LEVELINDEX::Build(const ORVLEVEL& level)
 {
-    Shapes.resize(MAX_SEGMENTS);
-    Stamp.assign(MAX_SEGMENTS, 0);
+    // Shapes cover the slots the level has used; every slot above is empty.
+    Shapes.resize(size_t(level.SegmentsEnd()));
+    Stamp.assign(Shapes.size(), 0);
     StampNow = 0;
-    for (int32_t s = 0; s < MAX_SEGMENTS; ++s)
+    for (int32_t s = 0; s < int32_t(Shapes.size()); ++s)
         Shape(level, s, Shapes[s]);
     MakeGrid();
     MakeLists();
@@ -224,7 +231,7 @@ void LEVELINDEX::MakeLists()
     Loose.clear();
     LooseFind.clear();
     Doors.clear();
-    for (int32_t s = 0; s < MAX_SEGMENTS; ++s)
+    for (int32_t s = 0; s < int32_t(Shapes.size()); ++s)
     {
         const SEGMENTSHAPE& sh = Shapes[s];
         if (!sh.Exists)
@@ -343,7 +350,7 @@ void LEVELINDEX::MakeGrid()
         CellStart[c + 1] += CellStart[c];
     CellSegments.resize(size_t(CellStart[cells]));
     std::vector<int32_t> fill(CellStart.begin(), CellStart.end() - 1);
-    for (int32_t s = 0; s < MAX_SEGMENTS; ++s)
+    for (int32_t s = 0; s < int32_t(Shapes.size()); ++s)
     {
         const SEGMENTSHAPE& sh = Shapes[s];
         if (!sh.InGrid)

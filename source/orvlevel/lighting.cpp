@@ -125,15 +125,15 @@ void ORVLEVEL::CalculateLighting()
     // gets an equal share of the existing segments.
     int threads = std::clamp(int(std::thread::hardware_concurrency()), 1, MAX_LIGHTING_THREADS);
     int existing = 0;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
+    for (int s = 0; s < SegmentsEnd(); ++s)
         existing += Segments[s] != nullptr;
     if (count == 0 || existing < 64)
         threads = 1;
     int bounds[MAX_LIGHTING_THREADS + 1] = {};
-    for (int s = 0, seen = 0, t = 1; s < MAX_SEGMENTS && t < threads; ++s)
+    for (int s = 0, seen = 0, t = 1; s < SegmentsEnd() && t < threads; ++s)
         if (Segments[s] && seen++ == existing * t / threads)
             bounds[t++] = s;
-    bounds[threads] = MAX_SEGMENTS;
+    bounds[threads] = SegmentsEnd();
 
     std::thread workers[MAX_LIGHTING_THREADS];
     for (int t = 1; t < threads; ++t)
@@ -158,7 +158,7 @@ void ORVLEVEL::FullBrightness()
 {
     if (!Segments)
         return;
-    for (int s = 0; s < MAX_SEGMENTS; ++s)
+    for (int s = 0; s < SegmentsEnd(); ++s)
         if (SEGMENT* seg = Segments[s])
             for (SIDE& side : seg->Sides)
                 for (VECTOR3D& colour : side.Colours)

@@ -203,7 +203,7 @@ void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* vi
     else if (level.DisplayList != 0)
         glCallList(level.DisplayList);
 
-    for (int32_t index = 0; index < MAX_SEGMENTS; ++index)
+    for (int32_t index = 0; index < level.SegmentsEnd(); ++index)
     {
         const SEGMENT* s = level.Segments[index];
         if (!s)
@@ -402,7 +402,7 @@ int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THI
     int sent = 0;
 
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
-    for (int32_t index = 0; index < MAX_SEGMENTS; ++index)
+    for (int32_t index = 0; index < level.SegmentsEnd(); ++index)
     {
         const SEGMENT* s = level.Segments[index];
         if (!s)

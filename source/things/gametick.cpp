@@ -120,7 +120,7 @@ void ORVLEVEL::GameTick(const CAMERA& camera)
     if (SparkCountdown > 0)
         return;
     SparkCountdown = SPARK_PERIOD;
-    for (int s = 0; Segments && s < MAX_SEGMENTS; ++s)
+    for (int s = 0; Segments && s < SegmentsEnd(); ++s)
     {
         const SEGMENT* seg = Segments[s];
         if (!seg || seg->Type != SEGTYPE_RELOAD)

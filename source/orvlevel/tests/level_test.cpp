@@ -9,6 +9,7 @@
 #include <cmath>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -179,6 +180,36 @@ TEST_F(LevelTest, ClearDestroysThingsAddedByDestructors)
     EXPECT_EQ(L->Add(VECTOR3D()), -1);
     L->CurrentSegment = 0;
     EXPECT_EQ(L->GetCurrentSide(), nullptr);
+}
+
+// Walks stop at the highest slot ever filled, so the last slots must count,
+// and a level read over a bigger one must not see the bigger one's slots.
+TEST_F(LevelTest, WalksReachTheLastSlotsAndForgetThemOnReload)
+{
+    const std::vector<uint8_t> small = L->Serialize();
+    SEGMENT cube = *L->Segments[0];
+    for (int k = 0; k < 8; ++k)
+    {
+        L->PutPoint(MAX_POINTS - 8 + k, DefaultCubeCorners[k] + VECTOR3D(0, 0, 1000));
+        cube.Corners[k] = MAX_POINTS - 8 + k;
+    }
+    L->PutSegment(MAX_SEGMENTS - 1, cube);
+    EXPECT_EQ(L->FindSegment({0, 0, 1000}), MAX_SEGMENTS - 1);
+    EXPECT_EQ(L->SightWalk({0, 0, 1000}, {0, 0, 1050}, MAX_SEGMENTS - 1), -1);
+
+    ORVLEVEL copy;
+    const std::vector<uint8_t> big = L->Serialize();
+    copy.Clear();
+    copy.Deserialize(big.data(), big.size());
+    ASSERT_TRUE(copy.Segments[MAX_SEGMENTS - 1] && copy.Points[MAX_POINTS - 1]);
+    EXPECT_EQ(copy.Serialize(), big);
+    EXPECT_EQ(copy.FindSegment({0, 0, 1000}), MAX_SEGMENTS - 1);
+
+    copy.Clear();
+    copy.Deserialize(small.data(), small.size());
+    EXPECT_FALSE(copy.Segments[MAX_SEGMENTS - 1] || copy.Points[MAX_POINTS - 1]);
+    EXPECT_EQ(copy.FindSegment({0, 0, 1000}), -1);
+    EXPECT_EQ(copy.Serialize(), small);
 }
 
 TEST_F(LevelTest, FindSegmentAndRandomPoint)
