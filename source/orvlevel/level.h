@@ -363,7 +363,8 @@ private:
         TABLE_SPECPOINTS,
     };
 
-    // Allocates the six tables with every slot null and resets FreeHint (tables
+    // Gives the level its six tables with every slot null (the point and
+    // segment tables are the kept ones below) and resets FreeHint (tables
     // that still exist are freed first, with their objects). Throws
     // std::bad_alloc with every table null again; callers report it in their
     // own words.
@@ -419,8 +420,8 @@ private:
     bool CollideEverySegment(VECTOR3D* from, float distance, bool swept, VECTOR3D* to, bool correct);
 
     // Room for every point and segment slot, kept from construction to
-    // destruction so that loading allocates nothing per record. Uninitialised
-    // until a slot is filled.
+    // destruction so that loading allocates nothing per record. Zero-filled
+    // system pages: only the pages of filled slots are ever touched.
     VECTOR3D* PointStore = nullptr;
     SEGMENT* SegmentStore = nullptr;
     // The point and segment tables themselves, kept as long as the stores:
