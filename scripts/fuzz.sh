@@ -3,7 +3,8 @@
 # and findings. Builds the fuzz targets (clang, sanitizers) in build-fuzz first.
 # New inputs that reach new code land in build-fuzz/fuzz-work/<target>; inputs
 # that crash, hang over a second or use over 2 GB land in
-# build-fuzz/fuzz-findings/<target>. Set FUZZ_TARGETS to run only some.
+# build-fuzz/fuzz-findings/<target>. Set FUZZ_TARGETS to run only some, and
+# FUZZ_FLAGS for more libFuzzer flags (say -max_len=1024).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -22,7 +23,7 @@ for t in $targets; do
   mkdir -p "$work" "$findings"
   log=build-fuzz/fuzz-findings/$t.log
   (cd build-fuzz/bin && ./"$t" -max_total_time="$seconds" -timeout=1 -rss_limit_mb=2048 \
-      -artifact_prefix="$PWD/../../$findings/" -print_final_stats=1 \
+      -artifact_prefix="$PWD/../../$findings/" -print_final_stats=1 ${FUZZ_FLAGS:-} \
       "$PWD/../../$work" "$PWD/../../fuzz/corpus/$t") >"$log" 2>&1 || true
   runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$' || echo 0)
   took=$(grep -o 'Done [0-9]* runs in [0-9]* second' "$log" | grep -o 'in [0-9]*' | grep -o '[0-9]*' || echo "$seconds")
