@@ -18,21 +18,21 @@
 
 namespace {
 
+const std::initializer_list<TEXPAIR> UNIT = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+
 void SetPairs(SIDE& side, std::initializer_list<TEXPAIR> pairs)
 {
-    int i = 0;
-    for (TEXPAIR p : pairs)
-        side.TexCoords[i++] = p;
+    std::copy(pairs.begin(), pairs.end(), side.TexCoords);
 }
 
-#define EXPECT_PAIRS(side, s0, t0, s1, t1, s2, t2, s3, t3)                                     \
-    do {                                                                                       \
-        const float expected[8] = {s0, t0, s1, t1, s2, t2, s3, t3};                            \
-        for (int k = 0; k < 4; ++k) {                                                          \
-            EXPECT_NEAR((side).TexCoords[k].s, expected[2 * k], 1e-5) << "corner " << k;       \
-            EXPECT_NEAR((side).TexCoords[k].t, expected[2 * k + 1], 1e-5) << "corner " << k;   \
-        }                                                                                      \
-    } while (0)
+void ExpectPairs(const SIDE& side, std::initializer_list<float> expected)
+{
+    for (int k = 0; k < 4; ++k)
+    {
+        EXPECT_NEAR(side.TexCoords[k].s, expected.begin()[2 * k], 1e-5) << "corner " << k;
+        EXPECT_NEAR(side.TexCoords[k].t, expected.begin()[2 * k + 1], 1e-5) << "corner " << k;
+    }
+}
 
 } // namespace
 
@@ -80,7 +80,7 @@ TEST_F(DialogTest, CommandsOpenTheirDialogsModallyOrBeepWithoutASelection)
 TEST_F(DialogTest, TexSettingsTurnsScalesAndShiftsAboutTheReferenceCorner)
 {
     SIDE& side = L.Segments[0]->Sides[0];
-    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    SetPairs(side, UNIT);
     ORVETEXSETDLG d(Host);
     ASSERT_TRUE(d.Init());
     d.show();
@@ -91,27 +91,27 @@ TEST_F(DialogTest, TexSettingsTurnsScalesAndShiftsAboutTheReferenceCorner)
 
     Type(d, 9, "90");
     Press(d, 18);
-    EXPECT_PAIRS(side, 0, 0, 0, 1, -1, 1, -1, 0);
+    ExpectPairs(side, {0, 0, 0, 1, -1, 1, -1, 0});
     EXPECT_TRUE(d.isVisible()); // stays open: a second press turns again
     Press(d, 18);
-    EXPECT_PAIRS(side, 0, 0, -1, 0, -1, -1, 0, -1);
+    ExpectPairs(side, {0, 0, -1, 0, -1, -1, 0, -1});
     EXPECT_EQ(Checkpoints, 2);
 
-    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    SetPairs(side, UNIT);
     Type(d, 9, "0");
     Type(d, 6, "2");
     Type(d, 7, "2");
     Press(d, 18);
-    EXPECT_PAIRS(side, 0, 0, 0.5f, 0, 0.5f, 0.5f, 0, 0.5f);
+    ExpectPairs(side, {0, 0, 0.5f, 0, 0.5f, 0.5f, 0, 0.5f});
 
     // Reference 3.7 reads as 3; a shift moves all four pairs alike.
-    SetPairs(side, {{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    SetPairs(side, UNIT);
     Type(d, 6, "1");
     Type(d, 7, "1");
     Type(d, 4, "0.5");
     Type(d, 102, "3.7");
     Press(d, 18);
-    EXPECT_PAIRS(side, 0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1);
+    ExpectPairs(side, {0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1});
     EXPECT_TRUE(P().Messages.empty());
 
     // Refused presses: a message, nothing changed, no revision.
@@ -130,7 +130,7 @@ TEST_F(DialogTest, TexSettingsTurnsScalesAndShiftsAboutTheReferenceCorner)
         EXPECT_EQ(m.Caption, "[i]");
         EXPECT_EQ(m.Icon, MSGICON_INFORMATION);
     }
-    EXPECT_PAIRS(side, 0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1);
+    ExpectPairs(side, {0.5f, 0, 1.5f, 0, 1.5f, 1, 0.5f, 1});
     EXPECT_EQ(L.Revision, revision);
     EXPECT_EQ(Checkpoints, checkpoints);
 
@@ -174,13 +174,11 @@ TEST_F(DialogTest, TexCalculateShowsComputesAndStoresPairs)
     EXPECT_TRUE(P().Messages.empty());
     EXPECT_EQ(L.Revision, revision); // the side waits for "OK"
 
-    Type(*d, 101, "");
-    Type(*d, 111, ""); // only corner 0 empty
+    for (int id : {101, 111})
+        Type(*d, id, ""); // only corner 0 empty
     Press(*d, 116);
-    Type(*d, 101, "");
-    Type(*d, 111, "");
-    Type(*d, 103, "");
-    Type(*d, 113, ""); // corners 0 and 2
+    for (int id : {101, 111, 103, 113})
+        Type(*d, id, ""); // corners 0 and 2
     Press(*d, 116);
     ASSERT_EQ(P().Messages.size(), 2u);
     EXPECT_EQ(P().Messages[0].Text,
@@ -198,7 +196,7 @@ TEST_F(DialogTest, TexCalculateShowsComputesAndStoresPairs)
     d->show();
     Press(*d, 115);
     EXPECT_FALSE(d->isVisible());
-    EXPECT_PAIRS(side, 0.3f, -0.0f, 1, 0, 1, 2, 0, 2.2f);
+    ExpectPairs(side, {0.3f, -0.0f, 1, 0, 1, 2, 0, 2.2f});
     EXPECT_EQ(L.Revision, revision + 1);
     EXPECT_EQ(Checkpoints, 1);
 }
@@ -444,17 +442,17 @@ TEST_F(DialogTest, PickColorKeepsOneTableOfCustomColoursForTheRun)
 // order.
 TEST_F(DialogTest, TemplatesFitTheFontAndTabInTemplateOrder)
 {
-    std::vector<std::unique_ptr<ORVEDIALOG>> all;
-    all.push_back(std::make_unique<ORVETEXSETDLG>(Host));
-    all.push_back(std::make_unique<ORVETEXCALCDLG>(Host));
-    all.push_back(std::make_unique<ORVETEXTUREDLG>(Host));
-    all.push_back(std::make_unique<ORVEPOINTSETTINGSDLG>(Host));
-    all.push_back(std::make_unique<ORVESEGMENTTYPESDLG>(Host));
-    all.push_back(std::make_unique<ORVEWALLTYPESDLG>(Host));
-    all.push_back(std::make_unique<ORVESETSIDECOLORDLG>(Host));
-    all.push_back(std::make_unique<ORVENEWLIGHTDLG>(Host));
-    all.push_back(std::make_unique<ORVESETMERGESHIFTDLG>(Host, 0));
-    for (auto& d : all)
+    ORVETEXSETDLG texSet(Host);
+    ORVETEXCALCDLG texCalc(Host);
+    ORVETEXTUREDLG textures(Host);
+    ORVEPOINTSETTINGSDLG point(Host);
+    ORVESEGMENTTYPESDLG segment(Host);
+    ORVEWALLTYPESDLG wall(Host);
+    ORVESETSIDECOLORDLG colour(Host);
+    ORVENEWLIGHTDLG light(Host);
+    ORVESETMERGESHIFTDLG join(Host, 0);
+    for (ORVEDIALOG* d :
+         std::initializer_list<ORVEDIALOG*>{&texSet, &texCalc, &textures, &point, &segment, &wall, &colour, &light, &join})
     {
         ASSERT_TRUE(d->Init());
         const QFontMetrics fm(d->font());
@@ -465,43 +463,31 @@ TEST_F(DialogTest, TemplatesFitTheFontAndTabInTemplateOrder)
                 continue;
             const QString where = d->windowTitle() + " / " + w->objectName();
             EXPECT_TRUE(d->rect().contains(w->geometry())) << where.toStdString();
-            QString text;
             if (auto* b = qobject_cast<QAbstractButton*>(w))
             {
-                text = b->text();
                 const int room = qobject_cast<QRadioButton*>(w) ? w->width() - 20 : w->width() - 4;
-                EXPECT_LE(fm.horizontalAdvance(text), room) << where.toStdString();
+                EXPECT_LE(fm.horizontalAdvance(b->text()), room) << where.toStdString();
                 EXPECT_GE(w->height(), fm.height()) << where.toStdString();
             }
             if (auto* g = qobject_cast<QGroupBox*>(w))
-            {
                 EXPECT_LE(fm.horizontalAdvance(g->title()), w->width()) << where.toStdString();
-            }
             if (auto* l = qobject_cast<QLabel*>(w); l && !l->text().isEmpty())
-            {
                 EXPECT_LE(l->heightForWidth(w->width()), w->height()) << where.toStdString();
-            }
             if (auto* e = qobject_cast<QLineEdit*>(w))
-            {
                 EXPECT_GE(w->height(), e->minimumSizeHint().height()) << where.toStdString();
-            }
         }
     }
 
-    ORVETEXSETDLG& d = static_cast<ORVETEXSETDLG&>(*all[0]);
+    ORVETEXSETDLG& d = texSet;
     d.FocusFirst();
     d.show();
     d.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&d));
-    std::vector<QWidget*> order;
-    for (int i = 0; i < 9; ++i)
+    for (int id : {6, 7, 9, 4, 5, 18, 19, 102, 6})
     {
-        order.push_back(QApplication::focusWidget());
+        EXPECT_EQ(QApplication::focusWidget(), d.Control(id)) << "stop " << id;
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    const int expected[] = {6, 7, 9, 4, 5, 18, 19, 102, 6};
-    for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(order[i], d.Control(expected[i])) << "stop " << i;
     // Enter in a field is "Alkalmaz"; Escape is "Mégse".
     Type(d, 4, "1");
     QTest::keyClick(d.Control(4), Qt::Key_Return);

@@ -155,12 +155,8 @@ TEST_F(WindowTest, MenuAndAcceleratorsAreTheDesignedOnes)
     for (auto [id, key] : keys)
         EXPECT_EQ(W->Action(id)->shortcut(), QKeySequence(key, QKeySequence::PortableText)) << id;
     for (const ITEM& i : Design)
-    {
         if (i.Id > 0)
-        {
             EXPECT_EQ(W->Action(i.Id)->isCheckable(), i.Id == 11858 || i.Id == 11882) << i.Id;
-        }
-    }
 }
 
 TEST_F(WindowTest, AcceleratorsKeysMouseAndClicksReachTheLevelAndCamera)
@@ -180,18 +176,13 @@ TEST_F(WindowTest, AcceleratorsKeysMouseAndClicksReachTheLevelAndCamera)
     EXPECT_EQ(L().CurrentPoint, 1);
     EXPECT_TRUE(W->Action(11883)->isEnabled()); // there is something to undo
 
-    // Camera keys by scan code: the grey Up is keypad 8; Down does nothing.
+    // Camera keys by scan code (the key table itself is the kernel's test).
     Step(); // the first step draws and steps at once
     const CAMERA start = Cam();
     Key(103, true);
     Step();
-    EXPECT_EQ(Cam().Position, start.Position + start.ViewDir * 10.0f);
     Key(103, false);
-    Key(108, true);
-    const VECTOR3D here = Cam().Position;
-    Step();
-    EXPECT_EQ(Cam().Position, here);
-    Key(108, false);
+    EXPECT_EQ(Cam().Position, start.Position + start.ViewDir * 10.0f);
 
     // Mouse look: 100 px right of the centre turns right by 0.1 and re-centres.
     CAMERA expected = Cam();
@@ -249,11 +240,9 @@ TEST_F(WindowTest, FileFlowAndTitle)
     Open();
     int asked = 0;
     std::string answer = (Dir / "first.ORVLevel").string();
-    FileDialogAnswer = [&](bool save, const std::string& ext, const std::string& description) {
+    FileDialogAnswer = [&](bool, const std::string& ext, const std::string& description) {
         ++asked;
-        EXPECT_EQ(ext, "ORVLevel");
-        EXPECT_EQ(description, "Orvane Battle pályák");
-        (void)save;
+        EXPECT_EQ(ext + " " + description, "ORVLevel Orvane Battle pályák");
         return answer;
     };
     // F2 at first asks for a name; afterwards it writes silently.
@@ -345,11 +334,8 @@ TEST(RecoveryProcess, KillingTheEditorLosesAtMostTheLastInterval)
         _exit(127);
     }
     bool up = false;
-    for (int i = 0; i < 100 && !up; ++i)
-    {
+    for (int i = 0; i < 100 && !up; ++i, QTest::qWait(100))
         up = std::system("xdotool search --onlyvisible --name '^Orvane Builder$' >/dev/null 2>&1") == 0;
-        QTest::qWait(100);
-    }
     ASSERT_TRUE(up);
     // Generous waits: on a busy machine the first frames and the events
     // behind them take their time.
@@ -361,22 +347,17 @@ TEST(RecoveryProcess, KillingTheEditorLosesAtMostTheLastInterval)
     for (int attempt = 0; attempt < 4 && !written; ++attempt)
     {
         EXPECT_EQ(std::system("xdotool mousemove 320 300 click 1 sleep 0.8 key alt+s"), 0);
-        for (int i = 0; i < 40 && !written; ++i)
-        {
+        for (int i = 0; i < 40 && !written; ++i, written = !fs::is_empty(dir))
             QTest::qWait(100);
-            written = !fs::is_empty(dir);
-        }
     }
-    if (!written)
+    if (written)
     {
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        FAIL() << "no recovery copy was written";
+        QTest::qWait(1000); // the copy is renamed into place
+        EXPECT_EQ(std::system("xdotool key ctrl+w"), 0);
     }
-    QTest::qWait(1000); // the copy is renamed into place
-    EXPECT_EQ(std::system("xdotool key ctrl+w"), 0);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
+    ASSERT_TRUE(written) << "no recovery copy was written";
 
     ORVEDOCUMENT doc;
     ORVERECOVERY recovery(doc, dir.string());
