@@ -186,26 +186,17 @@ TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
         THING* t = L->Things[i];
         ASSERT_NE(dynamic_cast<PICKUP*>(t), nullptr);
         EXPECT_STREQ(t->ClassName(), items[i].Class);
-        EXPECT_EQ(t->position, Cam.Position);
-        EXPECT_EQ(t->axisZ, VECTOR3D(1, 0, 0));
-        EXPECT_EQ(t->axisY, VECTOR3D(0, 1, 0));
-        EXPECT_EQ(t->axisX, VECTOR3D(0, 0, 1));
-        EXPECT_EQ(t->oldPosition, Cam.Position);
+        EXPECT_TRUE(t->position == Cam.Position && t->oldPosition == Cam.Position);
+        EXPECT_TRUE(t->axisX == VECTOR3D(0, 0, 1) && t->axisY == VECTOR3D(0, 1, 0) && t->axisZ == VECTOR3D(1, 0, 0));
     }
 
     EXPECT_TRUE(ORVEDITOR::HasCommand(CM_ENEMYSHIP));
     EXPECT_TRUE(Editor.Command(CM_ENEMYSHIP));
     auto* ship = dynamic_cast<SPACESHIP*>(L->Things[5]);
     ASSERT_NE(ship, nullptr);
-    EXPECT_EQ(ship->position, Cam.Position);
-    EXPECT_EQ(ship->axisX, Cam.ViewDir);
-    EXPECT_EQ(ship->axisY, Cam.Up);
-    EXPECT_EQ(ship->axisZ, Cam.Right);
-    EXPECT_EQ(ship->oldAxisY, Cam.Up);
-    EXPECT_EQ(ship->playerControlled, 0);
-    EXPECT_EQ(ship->team, 3);
-    EXPECT_EQ(ship->target, -1);
-    EXPECT_EQ(ship->goal, Cam.Position);
+    EXPECT_TRUE(ship->position == Cam.Position && ship->goal == Cam.Position);
+    EXPECT_TRUE(ship->axisX == Cam.ViewDir && ship->axisY == Cam.Up && ship->axisZ == Cam.Right && ship->oldAxisY == Cam.Up);
+    EXPECT_TRUE(ship->playerControlled == 0 && ship->team == 3 && ship->target == -1);
 
     // The nearest object goes, and only that one.
     L->Things[2]->position = {500, 0, 0};

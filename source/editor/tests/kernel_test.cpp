@@ -53,15 +53,13 @@ TEST_F(KernelTest, KeysByScanCodeMoveTheCameraOncePerStep)
 TEST_F(KernelTest, MouseLookTurnsByTheCursorOffsetAndRecentres)
 {
     CAMERA expected = Cam;
-    expected.Move(CAM_TURNRIGHT, 0.1f);
-    expected.Move(CAM_LOOKDOWN, 0.0f);
+    expected.Move(CAM_TURNRIGHT, 0.1f); // and no look down: the cursor is level
     Kernel.MouseLook = true;
     CursorX = 420;
     Kernel.Update();
     EXPECT_EQ(Cam.ViewDir, expected.ViewDir);
     EXPECT_EQ(Cam.Right, expected.Right);
-    EXPECT_EQ(CursorX, 320);
-    EXPECT_EQ(CursorY, 240);
+    EXPECT_TRUE(CursorX == 320 && CursorY == 240);
 }
 
 TEST(FilePath, MakeRelativePath)
