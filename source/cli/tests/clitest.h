@@ -49,6 +49,7 @@ protected:
     void TearDown() override { fs::remove_all(Dir); }
 
     fs::path In(const char* name) const { return Dir / name; }
+    std::string Path(const char* name) const { return In(name).string(); }
 
     RUN Cli(const std::vector<std::string>& args) const
     {

@@ -18,7 +18,6 @@ protected:
     {
         return "orvane-cli run: " + In("script").string() + ":" + std::to_string(line) + ": " + reason + "\n";
     }
-    std::string Path(const char* name) const { return In(name).string(); }
 };
 
 // The "selection" objects of every dump in the text, in order.

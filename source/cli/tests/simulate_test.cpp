@@ -8,7 +8,6 @@ namespace {
 class SimulateTest : public CliTest
 {
 protected:
-    std::string Path(const char* name) const { return In(name).string(); }
     static size_t Count(const std::string& text, const std::string& what)
     {
         size_t n = 0;
