@@ -113,7 +113,8 @@ TEST_F(LevelFileTest, HandBuiltFileLoadsEveryField)
     LEVELBYTES f;
     f.Header("Pr\xF3" "ba").Point(0, 1.5f, -2, 3).Point(5, 4, 5, 6).Point(39999, -7, 8.25f, 9).End();
     f.Segment(3, 2).Segment(4999, 7).End();
-    f.Texture(4, "WallTex.bmp", 12).Texture(199, "InvSide.bmp").End();
+    // A name may fill its whole field: the second is read after a longer one.
+    f.Texture(4, "SmallExplosion.bmp", 19).Texture(5, "WallTex.bmp", 11).Texture(199, "InvSide.bmp").End();
     f.End().Light(127).End().SpecPoint(255, 3).End();
     WriteFile(Dir / "hand.ORVLevel", f.B);
 
@@ -128,7 +129,8 @@ TEST_F(LevelFileTest, HandBuiltFileLoadsEveryField)
     ExpectSegment(L->Segments[3], 2, 736, 2);
     ExpectSegment(L->Segments[4999], 7, 736, 3);
     EXPECT_EQ(Filled(L->Segments, MAX_SEGMENTS), 2);
-    EXPECT_STREQ(L->Textures[4]->FileName, "WallTex.bmp");
+    EXPECT_STREQ(L->Textures[4]->FileName, "SmallExplosion.bmp");
+    EXPECT_STREQ(L->Textures[5]->FileName, "WallTex.bmp");
     EXPECT_STREQ(L->Textures[199]->FileName, "InvSide.bmp");
     EXPECT_EQ(L->Lights[127]->Colour.y, 0.25f);
     EXPECT_EQ(L->Lights[127]->Brightness, 10000.0f);
