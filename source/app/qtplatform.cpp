@@ -1,5 +1,7 @@
 #include "app/qtplatform.h"
 
+#include "sound/beep.h"
+
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -30,5 +32,7 @@ bool QTPLATFORM::Ask(const std::string& text, const std::string& caption)
 
 void QTPLATFORM::Beep()
 {
-    QApplication::beep();
+    // The toolkit's beep is silent on most desktops; it is the last resort.
+    if (!PlayBeep())
+        QApplication::beep();
 }

@@ -1,5 +1,6 @@
 // The desktop side of the platform seam: message boxes without an owner
-// window, the system beep, and fatal ends that stop the program at once.
+// window, the information beep (our own tone, else the toolkit's), and fatal
+// ends that stop the program at once.
 #pragma once
 
 #include "platform/platform.h"

@@ -33,15 +33,6 @@ int CmdMesh(std::span<char* const> args)
         std::fprintf(stderr, "orvane-cli mesh: SCALE must be a number, not \"%s\"\n", args[1]);
         return EXIT_USAGE;
     }
-    // The loader ends the program with status 0 on a missing file, as the
-    // game does at start; a tool should fail instead.
-    if (std::FILE* f = std::fopen(file, "rb"))
-        std::fclose(f);
-    else {
-        std::fprintf(stderr, "orvane-cli mesh: cannot open %s\n", file);
-        return 1;
-    }
-
     COUNTINGPLATFORM platform;
     SetPlatform(&platform);
     TRIMESH mesh(file, scale);

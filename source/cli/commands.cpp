@@ -38,6 +38,8 @@ std::span<const CLICOMMAND> CliCommands()
 
 int RunCommandLine(int argc, char** argv)
 {
+    static COUNTINGPLATFORM backend;
+    SetDefaultPlatform(&backend);
     if (argc == 2 && (!std::strcmp(argv[1], "help") || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")))
     {
         PrintUsage(stdout);

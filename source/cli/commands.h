@@ -21,8 +21,10 @@ struct CLICOMMAND
 
 std::span<const CLICOMMAND> CliCommands();
 
-// The console backend that also counts messages and beeps, so that a file the
-// loader complained about gives a non-zero status even where loading goes on.
+// The tool's backend: the console one that also counts messages and beeps, so
+// that a file the loader complained about gives a non-zero status even where
+// loading goes on. A fatal end is always a failure here, even the ones that
+// end the editor with status 0 (a missing data file).
 class COUNTINGPLATFORM : public CONSOLEPLATFORM
 {
 public:
@@ -39,9 +41,11 @@ public:
         ++Beeps;
         CONSOLEPLATFORM::Beep();
     }
+    [[noreturn]] void FatalExit(int status) override { CONSOLEPLATFORM::FatalExit(status ? status : 1); }
 };
 
-// Looks up the command in argv[1] and runs it; usage errors exit 2.
+// Looks up the command in argv[1] and runs it with COUNTINGPLATFORM as the
+// default backend; usage errors exit 2.
 int RunCommandLine(int argc, char** argv);
 
 // cmd_level.cpp

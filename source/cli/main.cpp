@@ -1,6 +1,6 @@
 // orvane-cli: works on level files without the editor. Messages go to
 // standard error as "message [CAPTION] TEXT" lines; data files are looked up
-// in the current directory, as in the editor.
+// as in the editor (platform/datafile.h).
 #include "cli/commands.h"
 
 #include "math/random.h"

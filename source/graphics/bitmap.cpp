@@ -45,7 +45,7 @@ int32_t I32At(const uint8_t* p)
 uint32_t LoadBMP(uint8_t* out, size_t capacity, const char* file, int32_t size[2],
                  float keyR, float keyG, float keyB)
 {
-    int fd = OpenDataFileReadWrite(file);
+    int fd = OpenBitmapFile(file);
     if (fd < 0)
         NotFound(file);
 
@@ -100,7 +100,7 @@ uint32_t LoadBMP(uint8_t* out, size_t capacity, const char* file, int32_t size[2
 
 void CheckBitmapFile(const char* file)
 {
-    int fd = OpenDataFileReadWrite(file);
+    int fd = OpenBitmapFile(file);
     if (fd < 0)
         NotFound(file);
     close(fd);

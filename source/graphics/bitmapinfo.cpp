@@ -10,7 +10,7 @@
 BITMAPHEADER ReadBitmapHeader(const char* storedName)
 {
     BITMAPHEADER h;
-    int fd = OpenDataFileReadWrite(storedName);
+    int fd = OpenBitmapFile(storedName);
     if (fd < 0)
         return h;
     h.Opened = true;

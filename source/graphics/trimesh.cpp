@@ -1,6 +1,7 @@
 #include "graphics/trimesh.h"
 #include "graphics/drawing.h"
 #include "math/geometry.h"
+#include "platform/datafile.h"
 #include "platform/fileio.h"
 #include "platform/platform.h"
 
@@ -73,7 +74,7 @@ float F32(const uint8_t* p)
 // Loads the file; false when it cannot be opened as a regular file.
 bool ReadMeshFile(const char* file, LWOFILE& f)
 {
-    if (!ReadWholeFile(file, f.Bytes))
+    if (!ReadWholeFile(FindDataFile(file), f.Bytes))
         return false;
     // Bigger files are cut at 4 GB; no mesh comes near that.
     f.Size = f.Bytes.size() > 0xFFFFFFFFu ? 0xFFFFFFFFu : uint32_t(f.Bytes.size());

@@ -6,8 +6,6 @@
 #include "platform/datafile.h"
 #include "things/thing.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
 #include <bitset>
@@ -65,8 +63,7 @@ SIDEKEY KeyOf(VECTOR3D* const c[4])
 
 bool FileExists(const char* storedName)
 {
-    struct stat st;
-    return stat(ResolveDataPath(storedName).c_str(), &st) == 0 && S_ISREG(st.st_mode);
+    return !FindBitmapFile(storedName).empty();
 }
 
 class CHECKER

@@ -6,6 +6,7 @@
 #include "graphics/texture.h"
 #include "platform/binio.h"
 #include "platform/cp1250.h"
+#include "platform/datafile.h"
 #include "platform/fileio.h"
 #include "platform/platform.h"
 #include "things/thing.h"
@@ -524,6 +525,7 @@ bool ORVLEVEL::SaveLevel(const char* fileName)
     try
     {
         FileName = std::string(fileName ? fileName : "");
+        SetLevelDirectory(*FileName);
         image = Serialize();
     }
     catch (const std::bad_alloc&)
@@ -571,6 +573,8 @@ bool ORVLEVEL::LoadLevel(const char* fileName)
     try
     {
         FileName = std::move(name);
+        // The bitmaps it names may lie beside it.
+        SetLevelDirectory(*FileName);
     }
     catch (const std::bad_alloc&)
     {

@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -90,14 +92,10 @@ bool FindCaseInsensitive(const std::string& dir, std::string_view name, std::str
     return any;
 }
 
-} // namespace
-
-std::string ResolveDataPath(const char* storedName)
+// A UTF-8 path, each component that does not exist as written matched
+// case-insensitively; the path unchanged when nothing matches.
+std::string ResolveCase(const std::string& path)
 {
-    std::string path = Cp1250ToUtf8(storedName ? storedName : "");
-    for (char& c : path)
-        if (c == '\\')
-            c = '/';
     if (path.empty() || Exists(path))
         return path;
 
@@ -130,6 +128,120 @@ std::string ResolveDataPath(const char* storedName)
         pos = end + 1;
     }
     return resolved;
+}
+
+bool IsRegular(const std::string& path)
+{
+    struct stat st;
+    return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+std::string& LevelDirectory()
+{
+    static std::string dir;
+    return dir;
+}
+
+std::string Slashed(const char* storedName)
+{
+    std::string path = Cp1250ToUtf8(storedName ? storedName : "");
+    for (char& c : path)
+        if (c == '\\')
+            c = '/';
+    return path;
+}
+
+// The first regular file `name` (UTF-8, relative) names in the level's folder
+// (when asked) and then the data directories; empty when none does.
+std::string FindElsewhere(const std::string& name, bool besideLevel)
+{
+    if (name.empty() || name[0] == '/')
+        return {};
+    if (besideLevel && !LevelDirectory().empty())
+        if (std::string p = ResolveCase(LevelDirectory() + '/' + name); IsRegular(p))
+            return p;
+    for (const std::string& dir : DataDirectories())
+        if (std::string p = ResolveCase(dir + '/' + name); IsRegular(p))
+            return p;
+    return {};
+}
+
+} // namespace
+
+std::string ResolveDataPath(const char* storedName)
+{
+    return ResolveCase(Slashed(storedName));
+}
+
+const std::vector<std::string>& DataDirectories()
+{
+    static const std::vector<std::string> dirs = [] {
+        std::vector<std::string> d;
+        char exe[4096];
+        ssize_t n = readlink("/proc/self/exe", exe, sizeof exe - 1);
+        if (n > 0) {
+            std::string self(exe, size_t(n));
+            std::string folder = self.substr(0, self.rfind('/'));
+            d.push_back(folder);
+            // An installed tree moved elsewhere, or a package unpacked anywhere.
+            d.push_back(folder + "/../share/orvane-builder");
+        }
+#ifdef ORV_INSTALLED_DATA_DIR
+        d.push_back(ORV_INSTALLED_DATA_DIR);
+#endif
+        const char* xdg = std::getenv("XDG_DATA_DIRS");
+        std::string list = xdg && *xdg ? xdg : "/usr/local/share:/usr/share";
+        for (size_t pos = 0; pos <= list.size();) {
+            size_t end = list.find(':', pos);
+            if (end == std::string::npos)
+                end = list.size();
+            if (end > pos && list[pos] == '/')
+                d.push_back(list.substr(pos, end - pos) + "/orvane-builder");
+            pos = end + 1;
+        }
+        return d;
+    }();
+    return dirs;
+}
+
+void SetLevelDirectory(const std::string& levelFile)
+{
+    size_t slash = levelFile.rfind('/');
+    std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : levelFile.substr(0, slash);
+    // Kept absolute, so a later change of the current directory does not move it.
+    if (dir[0] != '/') {
+        char cwd[4096];
+        if (getcwd(cwd, sizeof cwd))
+            dir = std::string(cwd) + '/' + dir;
+    }
+    LevelDirectory() = levelFile.empty() ? std::string() : dir;
+}
+
+std::string FindBitmapFile(const char* storedName)
+{
+    std::string path = ResolveDataPath(storedName);
+    if (IsRegular(path))
+        return path;
+    return FindElsewhere(Slashed(storedName), true);
+}
+
+std::string FindDataFile(const char* name)
+{
+    std::string path = name ? name : "";
+    if (path.empty() || Exists(path))
+        return path;
+    std::string found = FindElsewhere(path, false);
+    return found.empty() ? path : found;
+}
+
+int OpenBitmapFile(const char* storedName)
+{
+    int fd = OpenDataFileReadWrite(storedName);
+    if (fd >= 0)
+        return fd;
+    // The shared copies are installed read-only: they are read, never written.
+    std::string path = FindElsewhere(Slashed(storedName), true);
+    return path.empty() ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
 }
 
 int OpenDataFileReadWrite(const char* storedName)

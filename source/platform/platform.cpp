@@ -6,6 +6,7 @@
 
 namespace {
 CONSOLEPLATFORM ConsolePlatform;
+PLATFORM* Default = &ConsolePlatform;
 PLATFORM* Current = &ConsolePlatform;
 }
 
@@ -54,7 +55,13 @@ uint32_t MonotonicMilliseconds()
 
 void SetPlatform(PLATFORM* platform)
 {
-    Current = platform ? platform : &ConsolePlatform;
+    Current = platform ? platform : Default;
+}
+
+void SetDefaultPlatform(PLATFORM* platform)
+{
+    Default = platform ? platform : &ConsolePlatform;
+    Current = Default;
 }
 
 PLATFORM& Platform()

@@ -44,8 +44,11 @@ public:
     uint32_t TickCount() override;
 };
 
-// Installs a backend (not owned); null restores the console backend.
+// Installs a backend (not owned); null restores the default one.
 void SetPlatform(PLATFORM* platform);
+// Makes a backend (not owned) the default and installs it; null makes the
+// console backend the default again.
+void SetDefaultPlatform(PLATFORM* platform);
 PLATFORM& Platform();
 
 // Shorthands used throughout the program.

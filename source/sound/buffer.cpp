@@ -1,5 +1,6 @@
 #include "sound/buffer.h"
 #include "math/random.h"
+#include "platform/datafile.h"
 #include "platform/platform.h"
 #include "platform/timer.h"
 
@@ -101,7 +102,7 @@ void LoadWave(const char* file, ALenum* format, void** data, uint32_t* size, uin
               void** memory)
 {
     WAVEFILE f;
-    f.Fp = std::fopen(file, "rb");
+    f.Fp = std::fopen(FindDataFile(file).c_str(), "rb");
     if (!f.Fp)
         WaveFailure("File not found: %s", file);
     if (std::fseek(f.Fp, 0, SEEK_END) == 0) {

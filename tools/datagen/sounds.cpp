@@ -1,5 +1,5 @@
-// The four sound effects, synthesised as 22050 Hz mono 16-bit PCM wave files.
-// Noise comes from a fixed-seed generator, so every build writes the same
+// The four sound effects and the information beep, synthesised as 22050 Hz
+// mono 16-bit PCM wave files. Noise comes from a fixed-seed generator, so every build writes the same
 // bytes.
 #include "datagen.h"
 
@@ -140,6 +140,19 @@ std::vector<double> Powerup()
     return s;
 }
 
+// The information beep: a short, soft two-partial tone.
+std::vector<double> Beep()
+{
+    const double length = 0.12;
+    std::vector<double> s(size_t(length * RATE));
+    for (size_t i = 0; i < s.size(); ++i) {
+        double t = double(i) / RATE;
+        double tone = std::sin(TWO_PI * 880.0 * t) + 0.25 * std::sin(TWO_PI * 1760.0 * t);
+        s[i] = 0.35 * tone * Edges(t, length, 0.005, 0.04);
+    }
+    return s;
+}
+
 void Put16(std::vector<uint8_t>& b, uint16_t v)
 {
     b.push_back(uint8_t(v));
@@ -192,5 +205,6 @@ bool WriteSounds(const std::string& dir)
     ok = WriteFile(dir + "/ExpGen.wav", Encode(Explosion())) && ok;
     ok = WriteFile(dir + "/Missile.wav", Encode(Missile())) && ok;
     ok = WriteFile(dir + "/Powerup.wav", Encode(Powerup())) && ok;
+    ok = WriteFile(dir + "/Beep.wav", Encode(Beep())) && ok;
     return ok;
 }

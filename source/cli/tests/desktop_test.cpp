@@ -1,0 +1,127 @@
+// The tool as an installed program meets it: started from any folder, with
+// no data files at all, and from the Debian package.
+#include "clitest.h"
+
+#include <cstdlib>
+#include <map>
+#include <sstream>
+
+namespace {
+
+class DesktopTest : public CliTest
+{
+protected:
+    // Runs program from folder `cwd` with the environment variables given
+    // (an empty value unsets one).
+    RUN RunIn(const fs::path& program, const fs::path& cwd, const std::vector<std::string>& args,
+              const std::map<std::string, std::string>& env = {}) const
+    {
+        const fs::path out = Dir / "io" / "stdout", err = Dir / "io" / "stderr";
+        std::vector<char*> argv{const_cast<char*>(program.c_str())};
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        pid_t pid = fork();
+        if (pid == 0)
+        {
+            for (const auto& [name, value] : env)
+                value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+            int o = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            int e = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            if (o < 0 || e < 0 || dup2(o, 1) < 0 || dup2(e, 2) < 0 || chdir(cwd.c_str()) != 0)
+                _exit(126);
+            execv(program.c_str(), argv.data());
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(pid, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadText(out), ReadText(err)};
+    }
+
+    // A level with an enemy ship, and one whose only bitmap lies beside it.
+    void MakeLevels()
+    {
+        WriteText(In("ship.script"), "command 11873\nsave " + Path("ship.ORVLevel") + "\n");
+        ASSERT_EQ(Cli({"run", Path("ship.script")}).Status, 0);
+        fs::create_directory(Dir / "own");
+        ASSERT_EQ(Cli({"new", Path("own/own.ORVLevel")}).Status, 0);
+        std::string level = ReadText(In("own/own.ORVLevel"));
+        const size_t at = level.find("WallTex.bmp");
+        ASSERT_NE(at, std::string::npos);
+        level.replace(at, 11, "Falkep1.bmp");
+        WriteText(In("own/own.ORVLevel"), level);
+        fs::copy_file(fs::path(ORV_CLI_WORKDIR) / "WallTex.bmp", In("own/Falkep1.bmp"));
+        fs::create_directory(Dir / "elsewhere");
+    }
+};
+
+TEST_F(DesktopTest, DataFilesAreFoundFromAnyFolder)
+{
+    MakeLevels();
+    const fs::path cwd = Dir / "elsewhere";
+    RUN r = RunIn(ORV_CLI_PATH, cwd, {"dump", Path("ship.ORVLevel")});
+    EXPECT_EQ(r.Status, 0) << r.Err;
+    EXPECT_NE(r.Out.find(R"("class": "SPACESHIP")"), std::string::npos) << r.Out;
+
+    // The level's own bitmap beside it, the explosion from the program's folder.
+    r = RunIn(ORV_CLI_PATH, cwd, {"render", Path("own/own.ORVLevel"), "a.png"});
+    EXPECT_EQ(r.Status, 0) << r.Err;
+    EXPECT_EQ(r.Err, "");
+    EXPECT_GT(fs::file_size(cwd / "a.png"), 1000u);
+    r = RunIn(ORV_CLI_PATH, cwd, {"check", "../own/own.ORVLevel"});
+    EXPECT_EQ(r.Out, "Nincs egyfős játékos kezdőpont.\n");
+
+    // Without it, the usual message, and a failure.
+    fs::remove(In("own/Falkep1.bmp"));
+    r = RunIn(ORV_CLI_PATH, cwd, {"render", Path("own/own.ORVLevel"), "b.png"});
+    EXPECT_EQ(r.Status, 1);
+    EXPECT_EQ(r.Err, "message [] Falkep1.bmp nem található!\n");
+    EXPECT_FALSE(fs::exists(cwd / "b.png"));
+}
+
+// A copy of the tool with no data file anywhere: every command it lists must
+// fail, naming the file it missed, and leave no output behind.
+TEST_F(DesktopTest, EveryCommandFailsWithoutItsDataFiles)
+{
+    MakeLevels();
+    fs::create_directories(Dir / "bare" / "bin");
+    const fs::path copy = Dir / "bare" / "bin" / "orvane-cli";
+    fs::copy_file(ORV_CLI_PATH, copy);
+    WriteText(In("dump.script"), "dump -\n");
+    const std::map<std::string, std::string> env = {{"XDG_DATA_DIRS", Path("bare")}};
+
+    const std::map<std::string, std::vector<std::string>> fixed = {
+        {"mesh", {"SpaceShip.lwo", "1"}}, {"wave", {"Missile.wav"}}, {"run", {Path("dump.script")}}};
+    std::istringstream usage(Cli({"help"}).Out);
+    std::string line;
+    int commands = 0;
+    while (std::getline(usage, line))
+    {
+        std::istringstream words(line);
+        std::string tool, name, word;
+        if (!(words >> tool >> name) || tool != "orvane-cli")
+            continue;
+        std::vector<std::string> args = {name};
+        if (fixed.count(name))
+            args.insert(args.end(), fixed.at(name).begin(), fixed.at(name).end());
+        else
+            while (words >> word && word[0] >= 'A' && word[0] <= 'Z')
+                if (word.find("TICKS") == 0 || word.find("SEED") == 0)
+                    args.push_back("1");
+                else if (word.find("OUT") == 0)
+                    args.push_back(Path(("out-" + name).c_str()));
+                else
+                    args.push_back(Path("ship.ORVLevel"));
+        ++commands;
+        RUN r = RunIn(copy, Dir / "elsewhere", args, env);
+        EXPECT_NE(r.Status, 0) << name;
+        EXPECT_NE(r.Status, 2) << name << ": " << r.Err;
+        EXPECT_TRUE(r.Err.find(" nem található!") != std::string::npos ||
+                    r.Err.find("File not found: Missile.wav") != std::string::npos)
+            << name << ": " << r.Err;
+        EXPECT_FALSE(fs::exists(In(("out-" + name).c_str()))) << name;
+    }
+    EXPECT_GE(commands, 9);
+}
+
+} // namespace
