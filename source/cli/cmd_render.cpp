@@ -8,6 +8,7 @@
 #include "render/glthings.h"
 #include "render/offscreen.h"
 #include "render/view.h"
+#include "orvlevel/level.h"
 #include "platform/platform.h"
 
 #include <cerrno>
@@ -19,6 +20,7 @@
 #include <locale.h>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -28,7 +30,7 @@ int Usage(const char* reason)
 {
     std::fprintf(stderr, "orvane-cli render: %s\n", reason);
     std::fprintf(stderr, "usage: orvane-cli render LEVEL OUT.png [--size WxH] "
-                         "[--camera PX PY PZ VX VY VZ UX UY UZ RX RY RZ]\n");
+                         "[--camera PX PY PZ VX VY VZ UX UY UZ RX RY RZ] [--marked SEG,SEG,...]\n");
     return EXIT_USAGE;
 }
 
@@ -52,6 +54,23 @@ bool Size(const char* text, int& w, int& h)
            h >= 1 && h <= MAX_SIZE;
 }
 
+// Segment numbers separated by commas, each flagged in `marked`.
+bool Segments(const char* text, std::vector<uint8_t>& marked)
+{
+    for (const char* p = text;; ++p)
+    {
+        char* end = nullptr;
+        errno = 0;
+        long s = std::strtol(p, &end, 10);
+        if (end == p || errno || s < 0 || s >= MAX_SEGMENTS || (*end && *end != ','))
+            return false;
+        marked[size_t(s)] = 1;
+        if (!*end)
+            return true;
+        p = end;
+    }
+}
+
 } // namespace
 
 int CmdRender(std::span<char* const> args)
@@ -61,6 +80,7 @@ int CmdRender(std::span<char* const> args)
     int width = 640, height = 480;
     bool haveCamera = false;
     float camera[12];
+    std::vector<uint8_t> marked(MAX_SEGMENTS, 0); // drawn as the editor draws marked segments
     for (size_t i = 2; i < args.size(); ++i)
     {
         if (!std::strcmp(args[i], "--size"))
@@ -78,6 +98,12 @@ int CmdRender(std::span<char* const> args)
                     return Usage("--camera takes 12 numbers");
             haveCamera = true;
             i += 12;
+        }
+        else if (!std::strcmp(args[i], "--marked"))
+        {
+            if (i + 1 >= args.size() || !Segments(args[i + 1], marked))
+                return Usage("--marked takes segment numbers separated by commas");
+            ++i;
         }
         else
             return Usage((std::string("unknown option ") + args[i]).c_str());
@@ -112,6 +138,7 @@ int CmdRender(std::span<char* const> args)
                 view.Camera.Right = VECTOR3D(camera[9], camera[10], camera[11]);
             }
             view.Level = &doc.Level();
+            view.Marked = marked.data();
             view.SetClientSize(width, height);
             view.Update();
             std::string error;

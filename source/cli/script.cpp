@@ -2,6 +2,7 @@
 
 #include "cli/commands.h"
 #include "cli/levelfiles.h"
+#include "editor/blocks.h"
 #include "editor/controller.h"
 #include "math/camera.h"
 #include "math/random.h"
@@ -241,6 +242,38 @@ void DoRedo(SESSION& s, ARGS)
         InfoBeep();
 }
 
+// Blocks: a refused line beeps; a block file that cannot be written or read stops the script.
+int Axis(std::string_view token)
+{
+    int axis = token.size() == 1 ? BlockAxis(token[0]) : -1;
+    if (axis < 0)
+        BadLine("not an axis (x, y or z): " + Quoted(token));
+    return axis;
+}
+
+void DoMark(SESSION& s, ARGS a) { BlockToggleMark(s.Editor, Int(a[0])); }
+void DoMarkAll(SESSION& s, ARGS) { BlockMarkAll(s.Editor); }
+void DoUnmarkAll(SESSION& s, ARGS) { BlockUnmarkAll(s.Editor); }
+void DoCopyBlock(SESSION& s, ARGS) { BlockCopy(s.Editor); }
+void DoPasteBlock(SESSION& s, ARGS) { BlockPaste(s.Editor); }
+void DoDeleteBlock(SESSION& s, ARGS) { BlockDelete(s.Editor); }
+void DoMoveBlock(SESSION& s, ARGS a) { BlockMove(s.Editor, VECTOR3D(Float(a[0]), Float(a[1]), Float(a[2]))); }
+void DoRotateBlock(SESSION& s, ARGS a) { BlockRotate(s.Editor, Axis(a[0]), Float(a[1])); }
+void DoMirrorBlock(SESSION& s, ARGS a) { BlockMirror(s.Editor, Axis(a[0])); }
+void DoSpreadTexture(SESSION& s, ARGS) { BlockSpreadTexture(s.Editor); }
+
+void DoSaveBlock(SESSION& s, ARGS a)
+{
+    if (BlockSave(s.Editor, std::string(a[0])) == BLOCKFILE_FAILED)
+        Failed("cannot save block " + std::string(a[0]));
+}
+
+void DoLoadBlock(SESSION& s, ARGS a)
+{
+    if (BlockLoad(s.Editor, std::string(a[0])) == BLOCKFILE_FAILED)
+        Failed("cannot load block " + std::string(a[0]));
+}
+
 // The rest of the line, trimmed, as the one argument: paths may hold spaces.
 constexpr int PATH = -1;
 
@@ -267,6 +300,18 @@ const SCRIPTCOMMAND Commands[] = {
     {"srand", 1, DoSrand}, // SEED
     {"undo", 0, DoUndo},
     {"redo", 0, DoRedo},
+    {"mark", 1, DoMark}, // SEGMENT
+    {"markall", 0, DoMarkAll},
+    {"unmarkall", 0, DoUnmarkAll},
+    {"copyblock", 0, DoCopyBlock},
+    {"pasteblock", 0, DoPasteBlock},
+    {"deleteblock", 0, DoDeleteBlock},
+    {"moveblock", 3, DoMoveBlock}, // DX DY DZ
+    {"rotateblock", 2, DoRotateBlock}, // AXIS DEGREES
+    {"mirrorblock", 1, DoMirrorBlock}, // AXIS
+    {"saveblock", PATH, DoSaveBlock},
+    {"loadblock", PATH, DoLoadBlock},
+    {"spreadtexture", 0, DoSpreadTexture},
 };
 
 constexpr std::string_view SPACE = " \t\r\v\f";

@@ -47,7 +47,7 @@ const ORVECOMMANDENTRY* FindCommand(int id)
     for (const ORVECOMMANDENTRY& c : CommandTable)
         if (c.Id == id)
             return &c;
-    return nullptr;
+    return FindBlockCommand(id);
 }
 
 } // namespace
@@ -68,6 +68,7 @@ bool ORVEDITOR::Command(int id)
     if (!c)
         return false;
     c->Run(*this);
+    Document.Marks.Prune(Level()); // the command may have deleted marked segments
     return true;
 }
 

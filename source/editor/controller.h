@@ -5,6 +5,7 @@
 #pragma once
 
 #include "editor/document.h"
+#include "orvlevel/blocks.h"
 #include "math/camera.h"
 
 #include <cstdint>
@@ -90,6 +91,9 @@ public:
     // Client size of the view, for picking.
     int ClientWidth = 640;
     int ClientHeight = 480;
+
+    // What the last block copy or block file load took.
+    LEVELBLOCK Clipboard;
 
     // Runs the join dialog and answers its shift. Unset, the dialog is
     // taken as confirmed with its default entry.

@@ -3,6 +3,7 @@
 ORVEDOCUMENT::ORVEDOCUMENT() : Owned(std::make_unique<ORVLEVEL>()), Installed(Owned.get())
 {
     SavedRevision = Revision();
+    History.Restored = [this] { Marks.Prune(Level()); };
 }
 
 bool ORVEDOCUMENT::Open(const std::string& path)
@@ -10,6 +11,7 @@ bool ORVEDOCUMENT::Open(const std::string& path)
     if (!Level().LoadLevel(path.c_str()))
         return false;
     History.Reset();
+    Marks.Clear();
     SavedRevision = Revision();
     return true;
 }
@@ -20,6 +22,7 @@ void ORVEDOCUMENT::Recover(const std::vector<uint8_t>& image, const std::optiona
     Level().Deserialize(image.data(), image.size());
     Level().FileName = fileName;
     History.Reset();
+    Marks.Clear();
     SavedRevision = ~uint64_t(0); // no revision was ever saved
 }
 

@@ -4,6 +4,7 @@
 // its level as TheLevel for its lifetime.
 #pragma once
 
+#include "editor/blocks.h"
 #include "editor/history.h"
 #include "orvlevel/level.h"
 
@@ -50,4 +51,7 @@ private:
 public:
     // Undo and redo; opening a level starts it afresh, saving leaves it.
     ORVEHISTORY History{*Owned};
+    // The marked segments; opening a level clears them, undo and redo drop
+    // those whose segments they take away.
+    ORVEMARKS Marks;
 };

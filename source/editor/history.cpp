@@ -109,6 +109,8 @@ void ORVEHISTORY::Restore(const DELTA& d, const LEVELSELECTION& s)
     Select(s);
     ImageRevision = Level.Revision;
     ImageSelection = Started = s;
+    if (Restored)
+        Restored();
 }
 
 bool ORVEHISTORY::Undo()

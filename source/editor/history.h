@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <vector>
 
 class ORVLEVEL;
@@ -41,6 +42,9 @@ public:
     // there is nothing to undo or redo.
     bool Undo();
     bool Redo();
+
+    // Called after undo or redo has put a stored level back.
+    std::function<void()> Restored;
 
     size_t Steps() const { return Done.size(); }
     // Bytes held: the current image and every step's ranges.

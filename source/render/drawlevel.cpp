@@ -52,7 +52,7 @@ bool SideTexture(const ORVLEVEL& level, const SIDE& side, bool drawUntextured, u
 
 // False when a corner names no point: such a side is not drawn.
 bool SideVertices(const ORVLEVEL& level, const SEGMENT& s, int32_t index, int i, bool highlight,
-                  const SEGMENT* highlightSegment, SIDEVERTS& v)
+                  const SEGMENT* highlightSegment, const uint8_t* marked, SIDEVERTS& v)
 {
     VECTOR3D c[4];
     for (int k = 0; k < 4; ++k)
@@ -83,12 +83,15 @@ bool SideVertices(const ORVLEVEL& level, const SEGMENT& s, int32_t index, int i,
         v.Tex[(e + 3) % 4].t += dt;
     }
     bool halved = index == level.CurrentSegment && i == level.CurrentSide && level.BlinkOn;
+    bool tinted = marked && index >= 0 && index < MAX_SEGMENTS && marked[index];
     for (int k = 0; k < 4; ++k)
     {
         v.Position[k] = c[k];
         if (k == (e + 1) % 4 || k == (e + 2) % 4)
             v.Position[k] += offset;
         VECTOR3D colour = side.Colours[k];
+        if (tinted) // a quarter of the way to amber: the blink's halving still shows
+            colour = VECTOR3D(colour.x * 0.75f + 0.25f, colour.y * 0.75f + 0.15f, colour.z * 0.75f);
         if (halved)
             colour = colour * 0.5f;
         if (highlight)
@@ -184,7 +187,7 @@ void DrawThingsAndMarks(ORVLEVEL& level, bool drawMarkers, THING* viewer)
 } // namespace
 
 void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-               SEGMENT* highlightSegment)
+               SEGMENT* highlightSegment, const uint8_t* marked)
 {
     if (!level.Segments || !level.BlinkTimer)
         return; // a cleared level has nothing to draw
@@ -217,7 +220,7 @@ void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* vi
             uint32_t name;
             SIDEVERTS v;
             if (!drawNow || !SideTexture(level, side, drawUntextured, name) ||
-                !SideVertices(level, *s, index, i, highlight, highlightSegment, v))
+                !SideVertices(level, *s, index, i, highlight, highlightSegment, marked, v))
                 continue;
             BindTexture(name);
             glBegin(GL_QUADS);
@@ -377,7 +380,7 @@ struct RUN
 } // namespace
 
 int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-                     SEGMENT* highlightSegment)
+                     SEGMENT* highlightSegment, const uint8_t* marked)
 {
     if (!level.Segments || !level.BlinkTimer)
         return 0;
@@ -388,7 +391,7 @@ int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THI
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
     if (!level.ListBuilt || level.DisplayList != 0 || uint32_t(bound) != BoundTexture)
     {
-        DrawLevel(level, drawUntextured, drawMarkers, viewer, highlight, highlightSegment);
+        DrawLevel(level, drawUntextured, drawMarkers, viewer, highlight, highlightSegment, marked);
         return -1;
     }
     Blink(level);
@@ -443,11 +446,11 @@ int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THI
                     hidden = outside != 0 || view.FacesAway(q);
                 }
                 if (!hidden)
-                    SideVertices(level, *s, index, i, highlight, highlightSegment, v);
+                    SideVertices(level, *s, index, i, highlight, highlightSegment, marked, v);
             }
             else
             {
-                if (!SideVertices(level, *s, index, i, highlight, highlightSegment, v))
+                if (!SideVertices(level, *s, index, i, highlight, highlightSegment, marked, v))
                     continue;
                 CLIPPOINT moved[4];
                 const CLIPPOINT* q[4];
@@ -484,7 +487,7 @@ int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THI
     if (lastSegment >= 0)
     {
         SIDEVERTS v;
-        SideVertices(level, *level.Segments[lastSegment], lastSegment, lastSide, highlight, highlightSegment, v);
+        SideVertices(level, *level.Segments[lastSegment], lastSegment, lastSide, highlight, highlightSegment, marked, v);
         BindTexture(lastTexture);
         glTexCoord2f(v.Tex[3].s, v.Tex[3].t);
         glNormal3f(v.Normal.x, v.Normal.y, v.Normal.z);

@@ -5,6 +5,8 @@
 // and back-face culling on, blending and the alpha test as the view has them.
 #pragma once
 
+#include <cstdint>
+
 class ORVLEVEL;
 class THING;
 struct SEGMENT;
@@ -20,12 +22,15 @@ struct SEGMENT;
 //   viewer           an object of the level that is not drawn; its cockpit
 //                    is drawn instead
 //   highlight        tints highlightSegment and its neighbours
+//   marked           null, or one byte per segment slot (MAX_SEGMENTS):
+//                    the sides of a slot whose byte is nonzero are drawn
+//                    with a faint tint, under the selection's blink
 //
 // A level whose display list has not been invalidated records its static
 // sides into a list at the first call and replays it afterwards, drawing only
 // doors directly; changes to other sides then do not show.
 void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-               SEGMENT* highlightSegment);
+               SEGMENT* highlightSegment, const uint8_t* marked = nullptr);
 
 // The same frame, pixel for pixel and with the same state left behind,
 // drawn faster: sides wholly outside the view are left out and the rest go
@@ -36,7 +41,7 @@ void DrawLevel(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* vi
 // out of step with OpenGL. Returns how many sides it sent to OpenGL, or -1
 // when it fell back.
 int DrawLevelBatched(ORVLEVEL& level, bool drawUntextured, bool drawMarkers, THING* viewer, bool highlight,
-                     SEGMENT* highlightSegment);
+                     SEGMENT* highlightSegment, const uint8_t* marked = nullptr);
 
 // Deletes the level's display list, if it has one, and switches recording
 // off for good: from then on every side is drawn in every frame.

@@ -96,9 +96,9 @@ void ORVERENDER::Draw()
     if (level)
     {
         if (Batched)
-            DrawLevelBatched(*level, true, true, nullptr, false, nullptr);
+            DrawLevelBatched(*level, true, true, nullptr, false, nullptr, Marked);
         else
-            DrawLevel(*level, true, true, nullptr, false, nullptr);
+            DrawLevel(*level, true, true, nullptr, false, nullptr, Marked);
     }
     if (clipped)
         glDisable(GL_SCISSOR_TEST);

@@ -38,6 +38,9 @@ public:
     int Width = 0;            // client size in pixels
     int Height = 0;
     bool Batched = true;      // false draws the level with the plain DrawLevel
+    // Null, or one byte per segment slot: nonzero draws the segment tinted
+    // (the editor's marked segments).
+    const uint8_t* Marked = nullptr;
     // When only the selected side's blink can have changed since the last
     // frame, the host may have Draw redraw just this rectangle (pixels from
     // the lower left; a width of 0: the whole view). Everything outside it is

@@ -1,0 +1,270 @@
+// Block commands on a small level with something inside: after each one the
+// geometry is checked on its own terms (inward normals, symmetric links, no
+// stray points, no new problem for the level check), and one undo brings the
+// level back byte for byte.
+#include "editor/blocks.h"
+#include "editor/controller.h"
+
+#include "math/geometry.h"
+#include "orvlevel/levelcheck.h"
+#include "orvlevel/tests/leveltesting.h"
+#include "platform/tests/testplatform.h"
+#include "things/pickup.h"
+#include "things/thingclasses.h"
+#include "things/thingmeshes.h"
+
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace {
+
+void ExpectSound(const ORVLEVEL& L)
+{
+    std::vector<int> uses(MAX_POINTS);
+    for (int32_t s = 0; s < L.SegmentsEnd(); ++s)
+    {
+        const SEGMENT* seg = L.Segments[s];
+        if (!seg)
+            continue;
+        VECTOR3D centre;
+        for (int32_t c : seg->Corners)
+        {
+            ASSERT_NE(L.PointAt(c), nullptr) << "segment " << s;
+            centre += *L.PointAt(c) / 8.0f;
+            ++uses[size_t(c)];
+        }
+        for (int i = 0; i < 6; ++i)
+        {
+            VECTOR3D c[3];
+            for (int k = 0; k < 3; ++k)
+                c[k] = *L.PointAt(seg->Corners[SideCorners[i][k]]);
+            EXPECT_GT(Dot(centre - c[0], TriangleNormal(c[0], c[1], c[2])), 0.0f) << "segment " << s << " side " << i;
+            const int32_t n = seg->Neighbours[i];
+            if (n == -1)
+                continue;
+            ASSERT_TRUE(n >= 0 && n < MAX_SEGMENTS && L.Segments[n]) << "segment " << s << " side " << i;
+            EXPECT_EQ(std::count(L.Segments[n]->Neighbours, L.Segments[n]->Neighbours + 6, s), 1)
+                << "segment " << s << " side " << i;
+        }
+    }
+    for (int32_t p = 0; p < L.PointsEnd(); ++p)
+        EXPECT_TRUE(!L.Points[p] || uses[size_t(p)] > 0) << "point " << p;
+}
+
+// The floor of a segment: the side whose inward normal points up.
+int Floor(const ORVLEVEL& L, int32_t s)
+{
+    for (int i = 0; i < 6; ++i)
+    {
+        VECTOR3D* c = const_cast<ORVLEVEL&>(L).GetSideCorners(s, i);
+        if (c && TriangleNormal(c[0], c[1], c[2]).y > 0.9f)
+            return i;
+    }
+    return -1;
+}
+
+class BlocksTest : public PlatformTest
+{
+public:
+    BlocksTest()
+    {
+        LoadThingMeshes();
+        RegisterThingClasses();
+        // Segment 0, segment 1 on top of it with a light and a shield inside,
+        // segment 2 beside it (+x) whose outer wall is a half-open door, the
+        // start point in segment 0 and a second texture.
+        Select(0, 0);
+        L.NewSegment();
+        Select(0, 1);
+        L.NewSegment();
+        SIDE& door = L.Segments[2]->Sides[4];
+        door.WallType = WALL_DOOR;
+        door.Door.SlideEdge = 1;
+        door.Door.Opening = 0.5f;
+        L.NewLight({0, 200, 0}, 255, 255, 255, 1000);
+        HandToLevel(&L, new P_SHIELD({10, 250, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
+        SPECPOINT start;
+        L.Add(start);
+        L.Add("InvSide.bmp");
+        Doc.History.Reset();
+    }
+    ORVEDOCUMENT Doc;
+    ORVLEVEL& L = Doc.Level();
+    CAMERA Cam;
+    ORVEDITOR Editor{Doc, Cam};
+
+    void Select(int32_t segment, int32_t side) { L.CurrentSegment = segment, L.CurrentSide = side; }
+    void Mark(std::initializer_list<int32_t> segments)
+    {
+        Doc.Marks.Clear();
+        for (int32_t s : segments)
+            Doc.Marks.Set(s, true);
+    }
+    void Copy(std::initializer_list<int32_t> segments, int32_t segment, int32_t side)
+    {
+        Mark(segments);
+        Select(segment, side);
+        ASSERT_TRUE(BlockCopy(Editor));
+    }
+    int Count(SEGMENT* const* t) { return Filled(t, MAX_SEGMENTS); }
+};
+
+} // namespace
+
+TEST_F(BlocksTest, EachOperationKeepsTheLevelSoundAndIsOneUndoStep)
+{
+    struct ROW
+    {
+        std::string Name;
+        std::function<void(BlocksTest&)> Prepare;
+        std::function<bool(BlocksTest&)> Act;
+        bool Done;
+        int Segments, Lights, Things; // after, on 3, 1, 1
+    };
+    auto paste = [](int shift) {
+        return ROW{"paste below, shift " + std::to_string(shift),
+                   [shift](BlocksTest& t) {
+                       t.Copy({0, 1}, 1, 4); // the top of the column onto the bottom
+                       t.Select(0, 2);
+                       t.Editor.JoinShift = shift;
+                   },
+                   [](BlocksTest& t) { return BlockPaste(t.Editor); }, true, 5, 2, 2};
+    };
+    const ROW rows[] = {
+        paste(0), paste(1), paste(2), paste(3),
+        {"paste onto a joined side", [](BlocksTest& t) { t.Copy({1}, 1, 0), t.Select(0, 0); },
+         [](BlocksTest& t) { return BlockPaste(t.Editor); }, false, 3, 1, 1},
+        {"paste with nothing copied", [](BlocksTest& t) { t.Select(0, 2); },
+         [](BlocksTest& t) { return BlockPaste(t.Editor); }, false, 3, 1, 1},
+        {"copy anchored outside the marks", [](BlocksTest& t) { t.Mark({1}), t.Select(0, 2); },
+         [](BlocksTest& t) { return BlockCopy(t.Editor); }, false, 3, 1, 1},
+        {"copy anchored on a side linked inside", [](BlocksTest& t) { t.Mark({0, 1}), t.Select(0, 0); },
+         [](BlocksTest& t) { return BlockCopy(t.Editor); }, false, 3, 1, 1},
+        {"delete", [](BlocksTest& t) { t.Mark({2}); }, [](BlocksTest& t) { return BlockDelete(t.Editor); }, true, 2, 1, 1},
+        {"delete with nothing marked", [](BlocksTest&) {}, [](BlocksTest& t) { return BlockDelete(t.Editor); }, false, 3, 1, 1},
+        {"move, the joined segment stretching", [](BlocksTest& t) { t.Mark({1}); },
+         [](BlocksTest& t) { return BlockMove(t.Editor, {30, 40, -20}); }, true, 3, 1, 1},
+        {"rotate a quarter turn", [](BlocksTest& t) { BlockMarkAll(t.Editor); },
+         [](BlocksTest& t) { return BlockRotate(t.Editor, 1, 90); }, true, 3, 1, 1},
+        {"rotate 30 degrees", [](BlocksTest& t) { BlockMarkAll(t.Editor); },
+         [](BlocksTest& t) { return BlockRotate(t.Editor, 2, 30); }, true, 3, 1, 1},
+        {"mirror x", [](BlocksTest& t) { BlockMarkAll(t.Editor); }, [](BlocksTest& t) { return BlockMirror(t.Editor, 0); }, true, 3, 1, 1},
+        {"mirror y", [](BlocksTest& t) { BlockMarkAll(t.Editor); }, [](BlocksTest& t) { return BlockMirror(t.Editor, 1); }, true, 3, 1, 1},
+        {"mirror z", [](BlocksTest& t) { BlockMarkAll(t.Editor); }, [](BlocksTest& t) { return BlockMirror(t.Editor, 2); }, true, 3, 1, 1},
+        {"spread a texture", [](BlocksTest& t) { t.L.Segments[0]->Sides[2].Texture = 1, t.Select(0, 2); },
+         [](BlocksTest& t) { return BlockSpreadTexture(t.Editor); }, true, 3, 1, 1},
+        {"spread from an untextured side", [](BlocksTest& t) { t.Select(0, 0); },
+         [](BlocksTest& t) { return BlockSpreadTexture(t.Editor); }, false, 3, 1, 1},
+    };
+    const size_t problems = CheckLevel(L).size();
+    const std::vector<uint8_t> original = L.Serialize();
+    for (const ROW& row : rows)
+    {
+        SCOPED_TRACE(row.Name);
+        P().Reset();
+        L.RestoreImage(original.data(), original.size());
+        Doc.History.Reset();
+        Doc.Marks.Clear();
+        Editor.Clipboard = {};
+        row.Prepare(*this);
+        const std::vector<uint8_t> before = L.Serialize();
+        Doc.History.Reset();
+        Doc.History.Begin();
+        EXPECT_EQ(row.Act(*this), row.Done);
+        EXPECT_EQ(Doc.History.Checkpoint(), row.Done);
+        EXPECT_EQ(P().Beeps, row.Done ? 0 : 1);
+        EXPECT_EQ(Count(L.Segments), row.Segments);
+        EXPECT_EQ(Filled(L.Lights, MAX_LIGHTS), row.Lights);
+        EXPECT_EQ(Filled(L.Things, MAX_THINGS), row.Things);
+        ExpectSound(L);
+        EXPECT_EQ(CheckLevel(L).size(), problems) << (CheckLevel(L).empty() ? "" : CheckLevel(L).back().Text);
+        if (!row.Done)
+        {
+            EXPECT_EQ(L.Serialize(), before);
+            continue;
+        }
+        const std::vector<uint8_t> after = L.Serialize();
+        EXPECT_TRUE(Doc.History.Undo());
+        EXPECT_EQ(L.Serialize(), before);
+        EXPECT_TRUE(Doc.History.Redo());
+        EXPECT_EQ(L.Serialize(), after);
+    }
+}
+
+TEST_F(BlocksTest, MarksFollowTheSegmentsAndBlockFilesPasteAsCopiesDo)
+{
+    // Shift + click marks the segment under the cursor and keeps the selection.
+    Select(2, 3);
+    Cam.Position = {0, 0, 0}, Cam.ViewDir = {0, 1, 0}, Cam.Up = {0, 0, 1}, Cam.Right = {1, 0, 0};
+    EXPECT_TRUE(BlockMarkClicked(Editor, 320, 240));
+    EXPECT_EQ(Doc.Marks.List(), std::vector<int32_t>{0});
+    EXPECT_TRUE(L.CurrentSegment == 2 && L.CurrentSide == 3);
+
+    // Pasted segments become the marked ones; undoing the paste drops them.
+    Copy({0, 1}, 1, 4);
+    Select(0, 2);
+    Doc.History.Begin();
+    ASSERT_TRUE(BlockPaste(Editor));
+    Doc.History.Checkpoint();
+    const std::vector<uint8_t> copied = L.Serialize();
+    EXPECT_EQ(Doc.Marks.List(), (std::vector<int32_t>{3, 4}));
+    Doc.History.Undo();
+    EXPECT_EQ(Doc.Marks.Count(), 0);
+
+    // Saved and loaded, the block pastes to the same bytes.
+    TEMPDIR dir;
+    const std::string file = (dir.Path / "column.ORVLevel").string();
+    Copy({0, 1}, 1, 4);
+    EXPECT_EQ(BlockSave(Editor, file), BLOCKFILE_DONE);
+    Editor.Clipboard = {};
+    EXPECT_EQ(BlockLoad(Editor, file), BLOCKFILE_DONE);
+    Select(0, 2);
+    ASSERT_TRUE(BlockPaste(Editor));
+    EXPECT_EQ(L.Serialize(), copied);
+    EXPECT_EQ(BlockLoad(Editor, (dir.Path / "none").string()), BLOCKFILE_FAILED);
+
+    // Opening a level forgets the marks.
+    ASSERT_TRUE(Doc.SaveAs(file));
+    BlockMarkAll(Editor);
+    EXPECT_EQ(Doc.Marks.Count(), 5);
+    ASSERT_TRUE(Doc.Open(file));
+    EXPECT_EQ(Doc.Marks.Count(), 0);
+}
+
+TEST_F(BlocksTest, SpreadTextureRunsOnAcrossFlatWallsOnly)
+{
+    // A third floor beside the second, and a fourth beyond it tilted by 8.5 degrees.
+    Select(2, 4);
+    L.NewSegment();
+    Select(3, 4);
+    L.NewSegment();
+    for (int slot : SideCorners[4])
+        if (VECTOR3D* p = L.Points[L.Segments[4]->Corners[slot]]; p->y < 0)
+            p->y -= 30;
+    Select(0, 2);
+    L.RestoreTexture();
+    L.Segments[0]->Sides[2].Texture = 1;
+    ASSERT_TRUE(BlockSpreadTexture(Editor));
+
+    std::map<int32_t, TEXPAIR> at; // texture pair at each floor point
+    for (int32_t s = 0; s < 5; ++s)
+    {
+        const int f = Floor(L, s);
+        ASSERT_GE(f, 0);
+        for (int i = 0; i < 6; ++i)
+            EXPECT_EQ(L.Segments[s]->Sides[i].Texture, i == f && s != 1 && s != 4 ? 1 : (L.Segments[s]->Neighbours[i] == -1 ? 0 : -1))
+                << s << " " << i;
+        if (s == 1 || s == 4)
+            continue;
+        for (int k = 0; k < 4; ++k)
+        {
+            const TEXPAIR t = L.Segments[s]->Sides[f].TexCoords[k];
+            auto [it, fresh] = at.try_emplace(L.Segments[s]->Corners[SideCorners[f][k]], t);
+            EXPECT_TRUE(fresh || (std::fabs(it->second.s - t.s) < 1e-4f && std::fabs(it->second.t - t.t) < 1e-4f))
+                << "seam at point " << it->first;
+        }
+    }
+}
