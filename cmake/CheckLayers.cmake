@@ -2,7 +2,7 @@
 # when a layer below the drawing layer names Qt, OpenGL or EGL. Run as
 #   cmake -DSOURCE_DIR=<repository> -P CheckLayers.cmake
 # Layers, lowest first; a folder may include its own layer and those below.
-set(layers math platform graphics sound world editor render app)
+set(layers math platform graphics sound world editor play render app)
 set(folder_math math)
 set(folder_platform platform)
 set(folder_graphics graphics)
@@ -10,15 +10,16 @@ set(folder_sound sound)
 set(folder_orvlevel world)
 set(folder_things world)
 set(folder_editor editor)
+set(folder_play play)
 set(folder_render render)
 set(folder_app app)
 set(folder_cli cli)
 set(folder_bench bench)
 set(folder_fuzz fuzz)
 # Beside the layers: what each of them may use.
-set(allowed_cli math platform graphics sound world editor render cli)
-set(allowed_bench math platform graphics sound world editor render bench)
-set(allowed_fuzz math platform graphics sound world editor render cli fuzz)
+set(allowed_cli math platform graphics sound world editor play render cli)
+set(allowed_bench math platform graphics sound world editor play render bench)
+set(allowed_fuzz math platform graphics sound world editor play render cli fuzz)
 
 function(layer_index name out)
   list(FIND layers ${name} i)

@@ -3,6 +3,7 @@
 #include "app/checkdialog.h"
 #include "app/dialogs.h"
 #include "app/filedialogs.h"
+#include "app/playmode.h"
 #include "graphics/drawing.h"
 #include "graphics/texture.h"
 #include "platform/platform.h"
@@ -119,6 +120,15 @@ void ORVEVIEW::paintGL()
 // as is "Új szegmens"): the view claims the key, then runs the command.
 bool ORVEVIEW::event(QEvent* e)
 {
+    // While playing every key is the game's: no accelerator, no focus move.
+    if (Window.Play())
+        switch (e->type())
+        {
+        case QEvent::ShortcutOverride: e->accept(); return true;
+        case QEvent::KeyPress: Window.PlayKey(static_cast<QKeyEvent*>(e), true); return true;
+        case QEvent::KeyRelease: Window.PlayKey(static_cast<QKeyEvent*>(e), false); return true;
+        default: break;
+        }
     if (e->type() == QEvent::ShortcutOverride && Window.AcceleratorOf(static_cast<QKeyEvent*>(e)))
     {
         e->accept();
@@ -184,6 +194,7 @@ ORVEWINDOW::ORVEWINDOW(std::string startLevel) : StartLevel(std::move(startLevel
 
 ORVEWINDOW::~ORVEWINDOW()
 {
+    EndPlay();
     StepTimer.stop();
     // The view deletes the level and the textures while its context is current.
     delete ViewWidget;
@@ -329,13 +340,15 @@ void ORVEWINDOW::AddItems(QMenu* menu, const std::vector<MENUITEM>& items)
 bool ORVEWINDOW::Handles(int id)
 {
     return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || id == CM_UNDO || id == CM_REDO ||
-           id == CM_CHECKLEVEL || IsDialogCommand(id) || ORVEDITOR::HasCommand(id);
+           id == CM_CHECKLEVEL || IsDialogCommand(id) || ORVEDITOR::HasCommand(id) || IsPlayCommand(id);
 }
 
 bool ORVEWINDOW::Command(int id)
 {
-    if (!Handles(id) || !EditorPtr)
+    if (!Handles(id) || !EditorPtr || PlayPtr)
         return false;
+    if (IsPlayCommand(id))
+        return StartPlay(id);
     // Commands may create or delete textures: the view's context is needed.
     ViewWidget->makeCurrent();
     ORVEHISTORY& history = Doc->History;
@@ -404,7 +417,7 @@ void ORVEWINDOW::SyncModes()
 
 void ORVEWINDOW::LeftClick(int x, int y)
 {
-    if (!EditorPtr)
+    if (!EditorPtr || PlayPtr)
         return;
     EditorPtr->ClientWidth = ViewWidget->PixelWidth();
     EditorPtr->ClientHeight = ViewWidget->PixelHeight();
@@ -504,6 +517,11 @@ void ORVEWINDOW::Step()
 {
     if (!Doc || !ViewWidget->Render())
         return;
+    if (PlayPtr)
+    {
+        PlayStep();
+        return;
+    }
     ORVERENDER& view = *ViewWidget->Render();
     if (FrameStale())
     {

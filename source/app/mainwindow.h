@@ -9,6 +9,7 @@
 #include "editor/controller.h"
 #include "editor/kernel.h"
 #include "editor/recovery.h"
+#include "play/playsession.h"
 
 #include <QMainWindow>
 #include <QOpenGLWidget>
@@ -84,6 +85,11 @@ public:
     // Offers a recovery copy left by an editor that did not close cleanly;
     // true when the designer took it.
     bool OfferRecovery();
+    // The play-test (playmode.cpp): started by its two commands, false when
+    // refused (with a beep); Escape or the end of the ship ends it.
+    bool StartPlay(int id);
+    void EndPlay();
+    PLAYSESSION* Play() { return PlayPtr.get(); }
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -143,4 +149,11 @@ private:
     FRAMEKEY DrawnKey;
     bool AnyFrameDrawn = false;
     FRAMEKEY CurrentKey();
+
+    // While playing: every key goes here, and each pass of the frame loop
+    // runs PlayStep instead of the editor's.
+    void PlayKey(QKeyEvent* e, bool down);
+    void PlayStep();
+    std::unique_ptr<PLAYSESSION> PlayPtr;
+    QString TitleBeforePlay;
 };

@@ -12,6 +12,7 @@ const CLICOMMAND Commands[] = {
     {"check", "LEVEL", "list the level's problems, one a line (exit 1 when there are any)", 1, 1, CmdCheck},
     {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
     {"simulate", "LEVEL TICKS OUT [SEED]", "run the game objects for TICKS ticks and save the result", 3, 4, CmdSimulate},
+    {"play", "LEVEL TICKS OUT [options]", "fly the player's ship through a copy of the level, save the result", 3, 22, CmdPlay},
     {"mesh", "FILE SCALE", "print a mesh's counts, bounds and radii as JSON", 2, 2, CmdMesh},
     {"render", "LEVEL OUT.png [--size WxH] [--camera 12 numbers]",
      "draw the editor's first frame of a level offscreen into a PNG", 2, 17, CmdRender},

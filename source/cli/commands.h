@@ -60,6 +60,9 @@ int CmdRun(std::span<char* const> args);
 // cmd_simulate.cpp
 int CmdSimulate(std::span<char* const> args);
 
+// cmd_play.cpp
+int CmdPlay(std::span<char* const> args);
+
 // cmd_render.cpp
 int CmdRender(std::span<char* const> args);
 

@@ -96,15 +96,26 @@ void KERNEL::HandleInput()
     int width = 0, height = 0;
     Owner.ClientSize(width, height);
     const int cx = width / 2, cy = height / 2;
+    float turn = 0.0f, down = 0.0f;
+    if (MouseLook)
+    {
+        int x = 0, y = 0;
+        Owner.CursorPos(x, y);
+        // The offset is a float and the factor a double, as in the C expression.
+        turn = float(double(float(x) - float(cx)) * MOUSE_RADIANS_PER_PIXEL);
+        down = float(double(float(y) - float(cy)) * MOUSE_RADIANS_PER_PIXEL);
+        Owner.SetCursorPos(cx, cy);
+    }
+    if (Steer)
+    {
+        Steer(MoveKeys, MouseLook, turn, down);
+        return;
+    }
     for (int op = 0; op < CAMERA_MOVES; ++op)
         if (MoveKeys[op])
             camera->Move(op, op < 6 ? STEP_DISTANCE : STEP_ANGLE);
     if (!MouseLook)
         return;
-    int x = 0, y = 0;
-    Owner.CursorPos(x, y);
-    // The offset is a float and the factor a double, as in the C expression.
-    camera->Move(CAM_TURNRIGHT, float(double(float(x) - float(cx)) * MOUSE_RADIANS_PER_PIXEL));
-    camera->Move(CAM_LOOKDOWN, float(double(float(y) - float(cy)) * MOUSE_RADIANS_PER_PIXEL));
-    Owner.SetCursorPos(cx, cy);
+    camera->Move(CAM_TURNRIGHT, turn);
+    camera->Move(CAM_LOOKDOWN, down);
 }

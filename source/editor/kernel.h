@@ -7,6 +7,7 @@
 #include "platform/timer.h"
 
 #include <cstdint>
+#include <functional>
 
 // What the frame driver needs from the window it drives.
 class KERNELHOST
@@ -41,6 +42,10 @@ public:
     bool MoveKeys[CAMERA_MOVES] = {};
     // While the right mouse button is held.
     bool MouseLook = false;
+    // While set, each step hands the held operations and the mouse look (on
+    // or off, then its turn right and look down in radians) here instead of
+    // moving the view's camera: a play-test steers the player's ship so.
+    std::function<void(const bool (&held)[CAMERA_MOVES], bool looking, float turnRight, float lookDown)> Steer;
 
     explicit KERNEL(KERNELHOST& owner) : Owner(owner) {}
 

@@ -41,7 +41,7 @@ ORVERENDER::ORVERENDER(std::function<void()> makeCurrent, std::function<void()> 
 
 ORVERENDER::~ORVERENDER()
 {
-    if (DrawingView.Camera == &Camera)
+    if (DrawingView.Camera == &Camera || (Eye && DrawingView.Camera == Eye))
         DrawingView = FRAMEVIEW();
     DeleteFont(FONT_LIST_BASE);
 }
@@ -54,9 +54,10 @@ void ORVERENDER::SetClientSize(int width, int height)
 
 void ORVERENDER::Draw()
 {
-    Camera.SetClientSize(Width, Height);
+    CAMERA& camera = Eye ? *Eye : Camera;
+    camera.SetClientSize(Width, Height);
     glViewport(0, 0, Width, Height);
-    DrawingView.Camera = &Camera;
+    DrawingView.Camera = &camera;
     DrawingView.Width = Width;
     DrawingView.Height = Height;
 
@@ -71,15 +72,35 @@ void ORVERENDER::Draw()
 
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
-    glFrustum(-1.0, 1.0, -Camera.Aspect, Camera.Aspect, 1.0, 10000000.0);
+    glFrustum(-1.0, 1.0, -camera.Aspect, camera.Aspect, 1.0, 10000000.0);
 
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
-    const VECTOR3D& p = Camera.Position;
-    VECTOR3D at = p + Camera.ViewDir;
-    gluLookAt(p.x, p.y, p.z, at.x, at.y, at.z, Camera.Up.x, Camera.Up.y, Camera.Up.z);
+    const VECTOR3D& p = camera.Position;
+    VECTOR3D at = p + camera.ViewDir;
+    gluLookAt(p.x, p.y, p.z, at.x, at.y, at.z, camera.Up.x, camera.Up.y, camera.Up.z);
 
     BindTexture(0);
+    if (!Eye)
+        DrawAxes();
+
+    ORVLEVEL* level = Level ? Level : TheLevel;
+    if (level)
+    {
+        // The editor's view: every side and the markers, no viewer.
+        const bool editing = !Eye;
+        THING* viewer = editing ? nullptr : Viewer;
+        if (Batched)
+            DrawLevelBatched(*level, editing, editing, viewer, false, nullptr, editing ? Marked : nullptr);
+        else
+            DrawLevel(*level, editing, editing, viewer, false, nullptr, editing ? Marked : nullptr);
+    }
+    if (clipped)
+        glDisable(GL_SCISSOR_TEST);
+}
+
+void ORVERENDER::DrawAxes()
+{
     glBegin(GL_LINES);
     glColor3f(1, 0, 0);
     glVertex3f(-10000, 0, 0);
@@ -91,17 +112,6 @@ void ORVERENDER::Draw()
     glVertex3f(0, 0, -10000);
     glVertex3f(0, 0, 10000);
     glEnd();
-
-    ORVLEVEL* level = Level ? Level : TheLevel;
-    if (level)
-    {
-        if (Batched)
-            DrawLevelBatched(*level, true, true, nullptr, false, nullptr, Marked);
-        else
-            DrawLevel(*level, true, true, nullptr, false, nullptr, Marked);
-    }
-    if (clipped)
-        glDisable(GL_SCISSOR_TEST);
 }
 
 bool ORVERENDER::SelectedSideBounds(const ORVLEVEL& level, int& x, int& y, int& width, int& height) const

@@ -29,6 +29,7 @@
 #include "render/glcontext.h"
 
 class ORVLEVEL;
+class THING;
 
 class ORVERENDER : public GLRENDERINGCONTEXT
 {
@@ -46,6 +47,11 @@ public:
     // the lower left; a width of 0: the whole view). Everything outside it is
     // the same in both blink phases.
     int ClipX = 0, ClipY = 0, ClipWidth = 0, ClipHeight = 0;
+    // Play: while Eye is set the frame is drawn from it instead of Camera, as
+    // the game shows it (no axes, markers or untextured sides), and Viewer,
+    // an object of the level, is left out and draws its cockpit instead.
+    CAMERA* Eye = nullptr;
+    THING* Viewer = nullptr;
 
     ORVERENDER(std::function<void()> makeCurrent, std::function<void()> swap);
     ~ORVERENDER() override;
@@ -60,4 +66,7 @@ public:
     // corner cross included, with a margin), for the clip rectangle; false
     // when there is no selected side or it reaches behind the near plane.
     bool SelectedSideBounds(const ORVLEVEL& level, int& x, int& y, int& width, int& height) const;
+
+private:
+    void DrawAxes();
 };

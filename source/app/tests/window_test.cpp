@@ -55,6 +55,7 @@ const ITEM Design[] = {
     {"Felvehető cuccok", POPUP}, {"+15 Energiabónusz", 11878}, {"1 db Tempest rakéta", 11879},
     {"+15 Pajzsbónusz", 11877}, {"Lézer", 11880}, {"Hajószint emelő", 11881}, {"", END}, {"", SEP},
     {"Legközelebbi cucc törlése", 11876}, {"", END},
+    {"Játék", POPUP}, {"Próbarepülés innen\tF5", 12050}, {"Próbarepülés a kezdőpontról\tShift+F5", 12051}, {"", END},
     {"&Súgó", POPUP}, {"&Help Topics", 11848, false}, {"", SEP}, {"&About", 11849, false}, {"", END},
 };
 
@@ -151,7 +152,7 @@ TEST_F(WindowTest, MenuAndAcceleratorsAreTheDesignedOnes)
     for (const ITEM& i : Design)
         if (i.Id > 0 && QString(i.Text).contains('\t'))
             keys[i.Id] = QString(i.Text).section('\t', 1);
-    EXPECT_EQ(keys.size(), 27u); // 25, plus undo and redo
+    EXPECT_EQ(keys.size(), 29u); // 25, plus undo, redo and the two play-tests
     for (auto [id, key] : keys)
         EXPECT_EQ(W->Action(id)->shortcut(), QKeySequence(key, QKeySequence::PortableText)) << id;
     for (const ITEM& i : Design)

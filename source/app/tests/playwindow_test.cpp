@@ -1,0 +1,120 @@
+// The play-test in the real window (Xvfb): F5 flies the ship from the
+// camera, keys and Space reach it, accelerators rest, Escape brings the
+// editor back as it was; Shift+F5 needs a start point.
+#include "app/mainwindow.h"
+#include "platform/tests/testplatform.h"
+#include "render/view.h"
+#include "things/spaceship.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QTest>
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class PlayWindowTest : public PlatformTest
+{
+protected:
+    fs::path Dir = fs::temp_directory_path() / ("orvplay-" + std::to_string(getpid()));
+    std::unique_ptr<ORVEWINDOW> W;
+
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        setenv("ORV_RECOVERY_DIR", (Dir / "recovery").c_str(), 1);
+        W = std::make_unique<ORVEWINDOW>();
+        W->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(W.get()));
+        for (int i = 0; i < 200 && !W->Document(); ++i)
+            QTest::qWait(10);
+        ASSERT_NE(W->Document(), nullptr);
+        QApplication::setActiveWindow(W.get());
+        W->View()->setFocus();
+        QApplication::processEvents();
+    }
+    void TearDown() override
+    {
+        W->Recovery()->Remove();
+        W.reset();
+        fs::remove_all(Dir);
+    }
+    void Step()
+    {
+        P().Now += 41;
+        W->Step();
+    }
+    // A key by its evdev code, as X delivers it.
+    void Key(uint32_t evdev, bool down, Qt::Key key = Qt::Key_unknown)
+    {
+        QKeyEvent e(down ? QEvent::KeyPress : QEvent::KeyRelease, key, Qt::NoModifier, evdev + 8, 0, 0);
+        QApplication::sendEvent(W->View(), &e);
+    }
+};
+
+} // namespace
+
+TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
+{
+    ORVLEVEL& edited = W->Document()->Level();
+    const uint64_t revision = edited.Revision;
+    const CAMERA camera = *W->Camera();
+    const QString title = W->windowTitle();
+    Step();
+
+    QTest::keyClick(W->View(), Qt::Key_F5);
+    ASSERT_NE(W->Play(), nullptr);
+    EXPECT_EQ(W->windowTitle(), "Próbarepülés - Orvane Builder");
+    EXPECT_FALSE(W->menuBar()->isEnabled());
+    SPACESHIP& ship = *W->Play()->Ship();
+    EXPECT_EQ(ship.position, camera.Position);
+    Step();
+
+    Key(103, true); // Up: forward
+    Key(57, true, Qt::Key_Space);
+    Step();
+    Key(103, false);
+    Key(57, false, Qt::Key_Space);
+    EXPECT_EQ(ship.position, camera.Position + camera.ViewDir * 10.0f);
+    EXPECT_LT(ship.energy, 100.0f);
+    QTest::keyClick(W->View(), Qt::Key_S, Qt::AltModifier); // an accelerator: resting
+    EXPECT_EQ(edited.Segments[1], nullptr);
+
+    // The cockpit's shield bar, left of the centre and below it.
+    const QImage frame = W->View()->grabFramebuffer();
+    const QColor bar = frame.pixelColor(frame.width() / 2 - 90, frame.height() / 2 + 50);
+    EXPECT_GT(bar.green(), bar.red() + 40);
+
+    QTest::keyClick(W->View(), Qt::Key_Escape);
+    EXPECT_EQ(W->Play(), nullptr);
+    EXPECT_EQ(W->windowTitle(), title);
+    EXPECT_TRUE(W->menuBar()->isEnabled());
+    EXPECT_EQ(W->Camera()->Position, camera.Position);
+    EXPECT_EQ(W->Camera()->ViewDir, camera.ViewDir);
+    EXPECT_EQ(edited.Revision, revision);
+    // One frame of the editor again, then the loop rests.
+    ORVERENDER& view = *W->View()->Render();
+    Step();
+    EXPECT_EQ(view.FrameTimer->Start, P().Now);
+    Step();
+    EXPECT_NE(view.FrameTimer->Start, P().Now);
+}
+
+TEST_F(PlayWindowTest, ShiftF5StartsAtTheStartPointOnly)
+{
+    QTest::keyClick(W->View(), Qt::Key_F5, Qt::ShiftModifier);
+    EXPECT_EQ(W->Play(), nullptr);
+    EXPECT_EQ(P().Beeps, 1);
+
+    W->Command(11874); // the start point at the camera
+    const VECTOR3D start = W->Camera()->Position;
+    W->Camera()->Move(CAM_BACK, 30.0f);
+    QTest::keyClick(W->View(), Qt::Key_F5, Qt::ShiftModifier);
+    ASSERT_NE(W->Play(), nullptr);
+    EXPECT_EQ(W->Play()->Ship()->position, start);
+    EXPECT_EQ(W->Play()->Ship()->axisX, W->Camera()->ViewDir);
+}
