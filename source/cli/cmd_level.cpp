@@ -35,6 +35,13 @@ int CmdDump(std::span<char* const> args)
 
 int CmdCheck(std::span<char* const> args)
 {
+    if (std::string(args[0]) == "--fix")
+        return CmdCheckFix(args.subspan(1));
+    if (args.size() != 1)
+    {
+        std::fprintf(stderr, "usage: orvane-cli check LEVEL | check --fix LEVEL OUT\n");
+        return EXIT_USAGE;
+    }
     CLIDOCUMENT doc;
     if (!doc.Open(args[0]))
         return 1;

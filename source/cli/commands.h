@@ -53,6 +53,11 @@ int CmdNew(std::span<char* const> args);
 int CmdResave(std::span<char* const> args);
 int CmdDump(std::span<char* const> args);
 int CmdCheck(std::span<char* const> args);
+// cmd_fix.cpp: check --fix LEVEL OUT
+int CmdCheckFix(std::span<char* const> args);
+
+// cmd_diff.cpp
+int CmdDiff(std::span<char* const> args);
 
 // cmd_run.cpp
 int CmdRun(std::span<char* const> args);

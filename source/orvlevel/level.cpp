@@ -452,11 +452,16 @@ void ORVLEVEL::DeleteNearestLight(VECTOR3D from)
             found = i;
         }
     }
-    if (found < 0)
+    DeleteLight(found);
+}
+
+void ORVLEVEL::DeleteLight(int32_t index)
+{
+    if (!Lights || index < 0 || index >= MAX_LIGHTS || !Lights[index])
         return;
-    delete Lights[found];
-    Lights[found] = nullptr;
-    SlotFreed(TABLE_LIGHTS, found);
+    delete Lights[index];
+    Lights[index] = nullptr;
+    SlotFreed(TABLE_LIGHTS, index);
     Changed();
 }
 
@@ -477,11 +482,16 @@ void ORVLEVEL::DeleteNearestSpecPoint(VECTOR3D from)
             found = i;
         }
     }
-    if (found < 0)
+    DeleteSpecPoint(found);
+}
+
+void ORVLEVEL::DeleteSpecPoint(int32_t index)
+{
+    if (!SpecPoints || index < 0 || index >= MAX_SPECPOINTS || !SpecPoints[index])
         return;
-    delete SpecPoints[found];
-    SpecPoints[found] = nullptr;
-    SlotFreed(TABLE_SPECPOINTS, found);
+    delete SpecPoints[index];
+    SpecPoints[index] = nullptr;
+    SlotFreed(TABLE_SPECPOINTS, index);
     Changed();
 }
 
@@ -502,13 +512,18 @@ void ORVLEVEL::DeleteNearestThing(VECTOR3D from)
             found = i;
         }
     }
-    if (found < 0)
+    DeleteThing(found);
+}
+
+void ORVLEVEL::DeleteThing(int32_t index)
+{
+    if (!Things || index < 0 || index >= MAX_THINGS || !Things[index])
         return;
     // The slot stays taken while the destructor runs, so whatever it adds
     // goes elsewhere.
-    delete Things[found];
-    Things[found] = nullptr;
-    SlotFreed(TABLE_THINGS, found);
+    delete Things[index];
+    Things[index] = nullptr;
+    SlotFreed(TABLE_THINGS, index);
     Changed();
 }
 

@@ -204,6 +204,11 @@ public:
     void DeleteTexture(int32_t index);
     void DeleteTextureAt(int32_t position);
     void ReplaceTextureAt(const char* fileName, int32_t position);
+    // Empty one slot; nothing happens for an empty slot or an index outside
+    // the table. A thing's destructor runs first, as for DeleteNearestThing.
+    void DeleteLight(int32_t index);
+    void DeleteSpecPoint(int32_t index);
+    void DeleteThing(int32_t index);
     void DeleteNearestLight(VECTOR3D from);
     void DeleteNearestSpecPoint(VECTOR3D from);
     void DeleteNearestThing(VECTOR3D from);

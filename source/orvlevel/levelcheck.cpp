@@ -5,6 +5,8 @@
 #include "orvlevel/level.h"
 #include "platform/datafile.h"
 #include "things/thing.h"
+#include "things/thingmeshes.h"
+#include "graphics/trimesh.h"
 
 #include <algorithm>
 #include <array>
@@ -75,6 +77,12 @@ public:
     {
         if (!L.Segments || !L.Points)
             return {};
+        if (ThingMeshes.Ship)
+        {
+            float box[6], inner = 0.0f, outer = 0.0f;
+            ThingMeshes.Ship->GetBounds(&box[0], &box[1], &box[2], &box[3], &box[4], &box[5], &outer, &inner);
+            ShipDiameter = 2.0f * outer;
+        }
         Segments();
         Textures();
         UnusedPoints();
@@ -89,9 +97,13 @@ private:
     std::bitset<MAX_POINTS> Used;
     std::unordered_map<SIDEKEY, std::pair<int32_t, int32_t>, SIDEKEYHASH> SidesAt;
 
-    void Add(std::string text, int32_t segment = -1, int32_t side = -1, int32_t point = -1)
+    // The narrowest opening the ship fits through; 0 while its mesh is not loaded.
+    float ShipDiameter = 0.0f;
+
+    void Add(std::string text, int32_t segment = -1, int32_t side = -1, int32_t point = -1, int32_t fix = FIX_NONE,
+             int32_t object = -1)
     {
-        Found.push_back({std::move(text), segment, side, point});
+        Found.push_back({std::move(text), segment, side, point, fix, object});
     }
 
     const SEGMENT* SegmentAt(int32_t i) const
@@ -131,16 +143,20 @@ private:
         {
             const SEGMENT* other = SegmentAt(n);
             if (!other)
-                Add(Format("Szegmens %d, oldal %d: a szomszédja (%d) nem létező szegmens.", s, i, n), s, i);
+                Add(Format("Szegmens %d, oldal %d: a szomszédja (%d) nem létező szegmens.", s, i, n), s, i, -1,
+                    FIX_CUTNEIGHBOUR);
             else if (std::find(std::begin(other->Neighbours), std::end(other->Neighbours), s) ==
                      std::end(other->Neighbours))
-                Add(Format("Szegmens %d, oldal %d: a(z) %d. szegmenssel való kapcsolat egyirányú.", s, i, n), s, i);
+                Add(Format("Szegmens %d, oldal %d: a(z) %d. szegmenssel való kapcsolat egyirányú.", s, i, n), s, i, -1,
+                    FIX_ONEWAYLINK);
         }
         else if (side.WallType == WALL_PASSABLE)
-            Add(Format("Szegmens %d, oldal %d: átjárható, de nincs mögötte szegmens (lyuk a semmibe).", s, i), s, i);
+            Add(Format("Szegmens %d, oldal %d: átjárható, de nincs mögötte szegmens (lyuk a semmibe).", s, i), s, i, -1,
+                FIX_WALLUP);
         if (side.Texture != -1 && (side.Texture < 0 || side.Texture >= MAX_TEXTURES || !L.Textures ||
                                    !L.Textures[side.Texture]))
-            Add(Format("Szegmens %d, oldal %d: a(z) %d. textúrahely üres.", s, i, side.Texture), s, i);
+            Add(Format("Szegmens %d, oldal %d: a(z) %d. textúrahely üres.", s, i, side.Texture), s, i, -1,
+                FIX_EMPTYTEXTURE);
         if (!whole)
             return;
 
@@ -160,11 +176,46 @@ private:
             if (Dot(centre - *c[0], TriangleNormal(*c[0], *c[1], *c[2])) < 0.0f)
                 Add(Format("Szegmens %d, oldal %d: kifelé néz, a szegmens ki van fordulva.", s, i), s, i);
         }
+        Opening(s, i, n, c);
         auto [at, fresh] = SidesAt.try_emplace(KeyOf(c), s, i);
         if (!fresh && at->second.first != s && n != at->second.first)
             Add(Format("Szegmens %d, oldal %d: egybeesik a(z) %d. szegmens %d. oldalával, de nincsenek összekötve.", s,
                        i, at->second.first, at->second.second),
                 s, i);
+    }
+
+    // A passage between two segments (listed once, from the lower index)
+    // measured by the circle around its middle that touches its nearest edge.
+    void Opening(int32_t s, int i, int32_t n, VECTOR3D* const c[4])
+    {
+        const SEGMENT* other = SegmentAt(n);
+        const int wall = L.Segments[s]->Sides[i].WallType;
+        if (!(ShipDiameter > 0.0f) || !other || (wall != WALL_PASSABLE && wall != WALL_DOOR))
+            return;
+        const bool back = std::find(std::begin(other->Neighbours), std::end(other->Neighbours), s) !=
+                          std::end(other->Neighbours);
+        if (back && n < s)
+            return;
+        const float width = 2.0f * InscribedRadius(c);
+        if (width < ShipDiameter)
+            Add(Format("Szegmens %d, oldal %d: a(z) %d. szegmens felé nyíló átjáró túl szűk a hajónak (%.0f < %.0f).",
+                       s, i, n, double(width), double(ShipDiameter)),
+                s, i);
+    }
+
+    static float InscribedRadius(VECTOR3D* const c[4])
+    {
+        VECTOR3D mid = (*c[0] + *c[1] + *c[2] + *c[3]) / 4.0f;
+        float r = 1e30f;
+        for (int k = 0; k < 4; ++k)
+        {
+            const VECTOR3D a = *c[k], edge = *c[(k + 1) % 4] - a;
+            const float len2 = Dot(edge, edge);
+            const VECTOR3D d = mid - a;
+            const VECTOR3D off = len2 > 0.0f ? d - edge * (Dot(d, edge) / len2) : d;
+            r = std::min(r, Length(off));
+        }
+        return r;
     }
 
     void Textures()
@@ -178,20 +229,20 @@ private:
     {
         for (int32_t p = 0; p < L.PointsEnd(); ++p)
             if (L.Points[p] && !Used.test(size_t(p)))
-                Add(Format("Pont %d: egyik szegmens sem használja.", p), -1, -1, p);
+                Add(Format("Pont %d: egyik szegmens sem használja.", p), -1, -1, p, FIX_UNUSEDPOINT);
     }
 
     void Objects()
     {
         for (int t = 0; L.Things && t < MAX_THINGS; ++t)
             if (const THING* thing = L.Things[t]; thing && L.FindSegment(thing->position) < 0)
-                Add(Format("Cucc %d (%s): egyik szegmensben sincs.", t, thing->ClassName()));
+                Add(Format("Cucc %d (%s): egyik szegmensben sincs.", t, thing->ClassName()), -1, -1, -1, FIX_MOVETHING, t);
         for (int i = 0; L.Lights && i < MAX_LIGHTS; ++i)
             if (const STATICLIGHT* light = L.Lights[i]; light && L.FindSegment(light->Position) < 0)
-                Add(Format("Fényforrás %d: egyik szegmensben sincs.", i));
+                Add(Format("Fényforrás %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVELIGHT, i);
         for (int i = 0; L.SpecPoints && i < MAX_SPECPOINTS; ++i)
             if (const SPECPOINT* sp = L.SpecPoints[i]; sp && L.FindSegment(sp->Position) < 0)
-                Add(Format("Különleges pont %d: egyik szegmensben sincs.", i));
+                Add(Format("Különleges pont %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVESPECPOINT, i);
     }
 
     void StartPoints()

@@ -10,12 +10,29 @@
 
 class ORVLEVEL;
 
+// The repair a problem admits without asking the designer anything
+// (levelfix.h applies it).
+enum LEVELFIXKIND
+{
+    FIX_NONE,
+    FIX_CUTNEIGHBOUR,    // a neighbour that names no segment
+    FIX_ONEWAYLINK,      // linked back when the sides lie on each other, else cut
+    FIX_WALLUP,          // a passable side with nothing behind becomes a wall
+    FIX_UNUSEDPOINT,     // dropped
+    FIX_EMPTYTEXTURE,    // the side becomes untextured
+    FIX_MOVETHING,       // to the nearest segment's centre; Object is the slot
+    FIX_MOVELIGHT,
+    FIX_MOVESPECPOINT,
+};
+
 struct LEVELPROBLEM
 {
     std::string Text;     // one line, Hungarian, UTF-8, with its numbers
     int32_t Segment = -1; // where to go to fix it, or -1
     int32_t Side = -1;
     int32_t Point = -1;
+    int32_t Fix = FIX_NONE;
+    int32_t Object = -1; // the thing, light or special point slot
 };
 
 // Bitmap names are looked up against the current directory, as the editor

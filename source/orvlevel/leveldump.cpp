@@ -230,25 +230,33 @@ private:
 
 } // namespace
 
-std::string DumpLevelJson(const ORVLEVEL& level)
+const char* DumpTableName(int table)
 {
-    JSONWRITER j;
-    j.BeginObject();
-    j.Key("name").Text1250(level.Name, LEVEL_NAME_SIZE);
-    j.Key("fileName");
-    if (level.FileName)
-        j.String(*level.FileName);
-    else
-        j.Null();
-    j.Key("selection").BeginObject();
-    j.Key("segment").Int(level.CurrentSegment);
-    j.Key("side").Int(level.CurrentSide);
-    j.Key("point").Int(level.CurrentPoint);
-    j.EndObject();
-    j.Key("currentTexture").Int(level.CurrentTexture);
+    static const char* const NAMES[DUMP_TABLES] = {"points", "segments", "textures", "things", "lights", "specPoints"};
+    return table >= 0 && table < DUMP_TABLES ? NAMES[table] : "";
+}
 
-    j.Key("points").BeginArray();
-    for (int i = 0; level.Points && i < level.PointsEnd(); ++i)
+int DumpTableEnd(const ORVLEVEL& level, int table)
+{
+    switch (table)
+    {
+    case DUMP_POINTS: return level.Points ? level.PointsEnd() : 0;
+    case DUMP_SEGMENTS: return level.Segments ? level.SegmentsEnd() : 0;
+    case DUMP_TEXTURES: return level.Textures ? MAX_TEXTURES : 0;
+    case DUMP_THINGS: return level.Things ? MAX_THINGS : 0;
+    case DUMP_LIGHTS: return level.Lights ? MAX_LIGHTS : 0;
+    case DUMP_SPECPOINTS: return level.SpecPoints ? MAX_SPECPOINTS : 0;
+    default: return 0;
+    }
+}
+
+bool DumpRecord(JSONWRITER& j, const ORVLEVEL& level, int table, int i)
+{
+    if (i < 0 || i >= DumpTableEnd(level, table))
+        return false;
+    switch (table)
+    {
+    case DUMP_POINTS:
         if (const VECTOR3D* p = level.Points[i])
         {
             j.BeginObject();
@@ -257,28 +265,27 @@ std::string DumpLevelJson(const ORVLEVEL& level)
             j.Key("y").Float(p->y);
             j.Key("z").Float(p->z);
             j.EndObject();
+            return true;
         }
-    j.EndArray();
-
-    j.Key("segments").BeginArray();
-    for (int i = 0; level.Segments && i < level.SegmentsEnd(); ++i)
+        return false;
+    case DUMP_SEGMENTS:
         if (const SEGMENT* s = level.Segments[i])
+        {
             DumpSegment(j, i, *s);
-    j.EndArray();
-
-    j.Key("textures").BeginArray();
-    for (int i = 0; level.Textures && i < MAX_TEXTURES; ++i)
+            return true;
+        }
+        return false;
+    case DUMP_TEXTURES:
         if (const TEXTURE* t = level.Textures[i])
         {
             j.BeginObject();
             j.Key("index").Int(i);
             j.Key("fileName").Text1250(t->FileName, TEXTURE_NAME_SIZE);
             j.EndObject();
+            return true;
         }
-    j.EndArray();
-
-    j.Key("things").BeginArray();
-    for (int i = 0; level.Things && i < MAX_THINGS; ++i)
+        return false;
+    case DUMP_THINGS:
         if (const THING* t = level.Things[i])
         {
             j.BeginObject();
@@ -288,11 +295,10 @@ std::string DumpLevelJson(const ORVLEVEL& level)
             // Visiting never changes a member; the dump only reads them.
             const_cast<THING*>(t)->Members(members);
             j.EndObject();
+            return true;
         }
-    j.EndArray();
-
-    j.Key("lights").BeginArray();
-    for (int i = 0; level.Lights && i < MAX_LIGHTS; ++i)
+        return false;
+    case DUMP_LIGHTS:
         if (const STATICLIGHT* l = level.Lights[i])
         {
             j.BeginObject();
@@ -301,11 +307,10 @@ std::string DumpLevelJson(const ORVLEVEL& level)
             j.Key("colour").Vec(l->Colour);
             j.Key("brightness").Float(l->Brightness);
             j.EndObject();
+            return true;
         }
-    j.EndArray();
-
-    j.Key("specPoints").BeginArray();
-    for (int i = 0; level.SpecPoints && i < MAX_SPECPOINTS; ++i)
+        return false;
+    case DUMP_SPECPOINTS:
         if (const SPECPOINT* sp = level.SpecPoints[i])
         {
             j.BeginObject();
@@ -313,9 +318,44 @@ std::string DumpLevelJson(const ORVLEVEL& level)
             j.Key("position").Vec(sp->Position);
             j.Key("type").Int(sp->Type);
             j.EndObject();
+            return true;
         }
-    j.EndArray();
+        return false;
+    default: return false;
+    }
+}
 
+void DumpHeader(JSONWRITER& j, const ORVLEVEL& level, bool withFileName)
+{
+    j.Key("name").Text1250(level.Name, LEVEL_NAME_SIZE);
+    if (withFileName)
+    {
+        j.Key("fileName");
+        if (level.FileName)
+            j.String(*level.FileName);
+        else
+            j.Null();
+    }
+    j.Key("selection").BeginObject();
+    j.Key("segment").Int(level.CurrentSegment);
+    j.Key("side").Int(level.CurrentSide);
+    j.Key("point").Int(level.CurrentPoint);
+    j.EndObject();
+    j.Key("currentTexture").Int(level.CurrentTexture);
+}
+
+std::string DumpLevelJson(const ORVLEVEL& level)
+{
+    JSONWRITER j;
+    j.BeginObject();
+    DumpHeader(j, level, true);
+    for (int table = 0; table < DUMP_TABLES; ++table)
+    {
+        j.Key(DumpTableName(table)).BeginArray();
+        for (int i = 0, end = DumpTableEnd(level, table); i < end; ++i)
+            DumpRecord(j, level, table, i);
+        j.EndArray();
+    }
     j.EndObject();
     return std::move(j.Out);
 }

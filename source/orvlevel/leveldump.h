@@ -52,3 +52,25 @@ private:
 };
 
 std::string DumpLevelJson(const ORVLEVEL& level);
+
+// The dump's record arrays, in the order it writes them, and their pieces:
+// level diffs compare the levels record by record without writing the whole.
+enum DUMPTABLE
+{
+    DUMP_POINTS,
+    DUMP_SEGMENTS,
+    DUMP_TEXTURES,
+    DUMP_THINGS,
+    DUMP_LIGHTS,
+    DUMP_SPECPOINTS,
+    DUMP_TABLES
+};
+// "points", "segments", ...
+const char* DumpTableName(int table);
+// One past the last slot of the table that may hold a record.
+int DumpTableEnd(const ORVLEVEL& level, int table);
+// Writes record `index` as the dump does; false (nothing written) for an
+// empty slot or an index outside the table.
+bool DumpRecord(JSONWRITER& j, const ORVLEVEL& level, int table, int index);
+// The members before the tables, into the open object.
+void DumpHeader(JSONWRITER& j, const ORVLEVEL& level, bool withFileName);
