@@ -107,16 +107,14 @@ TEST_F(WaveTest, OtherChunksAndExtendedFormatAreSkipped)
     Bytes extension{4, 0, 0xAA, 0xBB, 0xCC, 0xDD};
     WAVE w(Write(Riff({Chunk("JUNK", Bytes(7, 0x55)), Fmt(1, 22050, 16, extension),
                        Chunk("LIST", Bytes{'I', 'N', 'F', 'O', 'x'}), Chunk("data", samples)})));
-    EXPECT_EQ(w.Format, AL_FORMAT_MONO16);
-    EXPECT_EQ(w.Samples(), samples);
+    EXPECT_TRUE(w.Format == AL_FORMAT_MONO16 && w.Samples() == samples);
 
     // A RIFF of another form type before the wave is passed over.
     Bytes two = Riff({Chunk("data", Bytes(4, 1))}, "AVI ");
     Bytes wave = Riff({Fmt(1, 8000, 8), Chunk("data", Bytes{9})});
     two.insert(two.end(), wave.begin(), wave.end());
     WAVE w2(Write(two));
-    EXPECT_EQ(w2.Frequency, 8000u);
-    EXPECT_EQ(w2.Samples(), Bytes{9});
+    EXPECT_TRUE(w2.Frequency == 8000u && w2.Samples() == Bytes{9});
 }
 
 TEST_F(WaveTest, TruncatedDataKeepsWholeFramesOnly)
@@ -124,15 +122,12 @@ TEST_F(WaveTest, TruncatedDataKeepsWholeFramesOnly)
     Bytes samples(101, 7);
     Bytes file = Riff({Fmt(1, 22050, 16), Chunk("data", samples, 4000)});
     file.resize(file.size() - 1); // drop the pad byte: the file ends in the data
-    WAVE w(Write(file));
-    EXPECT_EQ(w.Size, 100u);
-    EXPECT_EQ(w.Samples(), Bytes(100, 7));
+    EXPECT_EQ(WAVE(Write(file)).Samples(), Bytes(100, 7));
 
     // A RIFF size beyond the file and a data size beyond the RIFF are cut too.
     Bytes stereo = Riff({Fmt(2, 22050, 16), Chunk("data", Bytes(10, 3), 1u << 31)});
     std::memset(&stereo[4], 0x7F, 4);
-    WAVE s(Write(stereo));
-    EXPECT_EQ(s.Size, 8u);
+    EXPECT_EQ(WAVE(Write(stereo)).Size, 8u);
     // An empty data chunk that ends the file is still found.
     EXPECT_EQ(WAVE(Write(Riff({Fmt(1, 8000, 8), Chunk("data", {})}))).Size, 0u);
     EXPECT_TRUE(P().Messages.empty());
@@ -160,9 +155,7 @@ TEST_F(WaveTest, BrokenFilesEndTheProgramWithTheirMessage)
     };
     for (const CASE& c : cases) {
         P().Reset();
-        std::string file = Write(c.File);
-        std::string expected = c.Message;
-        expected.replace(expected.find("%s"), 2, file);
-        EXPECT_EQ(Refusal(file), expected);
+        std::string file = Write(c.File), expected = c.Message;
+        EXPECT_EQ(Refusal(file), expected.replace(expected.find("%s"), 2, file));
     }
 }
