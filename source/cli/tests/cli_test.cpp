@@ -6,11 +6,6 @@
 
 namespace {
 
-const char* const SIDE_JSON =
-    R"({"recordSize": 112, "texture": 0, "wallType": 1, "texCoords": [[1, 1], [0, 1], [0, 0], [1, 0]], )"
-    R"("colours": [[1, 1, 1], [1, 1, 1], [1, 1, 1], [1, 1, 1]], )"
-    R"("door": {"recordSize": 20, "state": 0, "opening": 0, "reserved": 1, "slideEdge": 0}})";
-
 TEST_F(CliTest, NewSavesTheDefaultLevelAndResaveKeepsEveryByte)
 {
     for (const std::vector<std::string>& args :
@@ -22,29 +17,13 @@ TEST_F(CliTest, NewSavesTheDefaultLevelAndResaveKeepsEveryByte)
     }
     EXPECT_EQ(fs::file_size(In("a.ORVLevel")), 1451u);
     EXPECT_EQ(ReadText(In("b.ORVLevel")), ReadText(In("a.ORVLevel")));
-}
 
-TEST_F(CliTest, DumpOfTheDefaultLevel)
-{
-    ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
-    std::string sides;
-    for (int i = 0; i < 6; ++i)
-        sides += (i ? ", " : "") + std::string(SIDE_JSON);
-    const std::string expected =
-        R"({"name": "UNNAMED", "fileName": ")" + In("a.ORVLevel").string() + R"(", )"
-        R"("selection": {"segment": -1, "side": 0, "point": 0}, "currentTexture": 0, )"
-        R"("points": [{"index": 0, "x": -100, "y": 100, "z": 100}, {"index": 1, "x": 100, "y": 100, "z": 100}, )"
-        R"({"index": 2, "x": -100, "y": -100, "z": 100}, {"index": 3, "x": 100, "y": -100, "z": 100}, )"
-        R"({"index": 4, "x": -100, "y": 100, "z": -100}, {"index": 5, "x": 100, "y": 100, "z": -100}, )"
-        R"({"index": 6, "x": -100, "y": -100, "z": -100}, {"index": 7, "x": 100, "y": -100, "z": -100}], )"
-        R"("segments": [{"index": 0, "recordSize": 736, "type": 0, "neighbours": [-1, -1, -1, -1, -1, -1], )"
-        R"("corners": [0, 1, 2, 3, 4, 5, 6, 7], "sides": [)" + sides + R"(]}], )"
-        R"("textures": [{"index": 0, "fileName": "WallTex.bmp"}], "things": [], "lights": [], "specPoints": []})"
-        "\n";
+    // The dump's format is the level layer's test; here, that it is the level's.
     RUN r = Cli({"dump", In("a.ORVLevel")});
     EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "");
-    EXPECT_EQ(r.Out, expected);
+    EXPECT_EQ(r.Out.rfind(R"({"name": "UNNAMED", "fileName": ")" + In("a.ORVLevel").string() + R"(", )", 0), 0u) << r.Out;
+    EXPECT_NE(r.Out.find(R"("textures": [{"index": 0, "fileName": "WallTex.bmp"}], "things": [], "lights": [], "specPoints": []})" "\n"),
+              std::string::npos);
 }
 
 TEST_F(CliTest, UsageErrorsExitWithTwo)
@@ -54,9 +33,7 @@ TEST_F(CliTest, UsageErrorsExitWithTwo)
     for (const auto& args : wrong)
     {
         RUN r = Cli(args);
-        EXPECT_EQ(r.Status, 2) << args.size();
-        EXPECT_NE(r.Err.find("usage: orvane-cli"), std::string::npos);
-        EXPECT_EQ(r.Out, "");
+        EXPECT_TRUE(r.Status == 2 && r.Out.empty() && r.Err.find("usage: orvane-cli") != std::string::npos) << args.size();
     }
     EXPECT_FALSE(fs::exists(fs::path(ORV_CLI_WORKDIR) / "b"));
 }
@@ -70,9 +47,8 @@ TEST_F(CliTest, BrokenInputsAreReported)
     badMagic[7] = 'X';
     WriteText(In("magic.ORVLevel"), badMagic);
     RUN r = Cli({"dump", In("magic.ORVLevel")});
-    EXPECT_EQ(r.Status, 0);
+    EXPECT_TRUE(r.Status == 0 && r.Out.rfind(R"({"name": "UNNAMED", )", 0) == 0u);
     EXPECT_EQ(r.Err, "message [HIBA!] Nem Orvane Battle pálya ez.\n");
-    EXPECT_EQ(r.Out.rfind(R"({"name": "UNNAMED", )", 0), 0u);
 
     // A "PICKUP" record where the default level's things section is empty.
     std::string pickup(4 + 40 + 4 + 147, '\0');
@@ -82,21 +58,16 @@ TEST_F(CliTest, BrokenInputsAreReported)
     withThing.insert(level.size() - 12, pickup);
     WriteText(In("thing.ORVLevel"), withThing);
     r = Cli({"dump", In("thing.ORVLevel")});
-    EXPECT_EQ(r.Status, 1);
+    EXPECT_TRUE(r.Status == 1 && r.Out.empty());
     EXPECT_EQ(r.Err, "message [PICKUP] Undefined Thing:\n");
-    EXPECT_EQ(r.Out, "");
 
     r = Cli({"dump", In("missing.ORVLevel")});
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_EQ(r.Err.rfind("message [HIBA!] ", 0), 0u);
-    EXPECT_EQ(r.Out, "");
+    EXPECT_TRUE(r.Status == 1 && r.Out.empty() && r.Err.rfind("message [HIBA!] ", 0) == 0u);
 
     for (const char* target : {"nodir/b.ORVLevel", "io"})
     {
         r = Cli({"resave", In("a.ORVLevel"), In(target)});
-        EXPECT_EQ(r.Status, 1);
-        EXPECT_EQ(r.Err.rfind("message [HIBA!] ", 0), 0u);
-        EXPECT_NE(r.Err.find(In(target).string()), std::string::npos);
+        EXPECT_TRUE(r.Status == 1 && r.Err.rfind("message [HIBA!] ", 0) == 0u && r.Err.find(In(target).string()) != std::string::npos);
     }
 }
 
@@ -105,10 +76,8 @@ TEST_F(CliTest, BrokenInputsAreReported)
 TEST_F(CliTest, MeshAndWaveDescribeDataFiles)
 {
     RUN r = Cli({"mesh", "SpaceShip.lwo", "5"});
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "");
+    EXPECT_TRUE(r.Status == 0 && r.Err.empty() && r.Out.find(R"("outerRadius": )") != std::string::npos);
     EXPECT_EQ(r.Out.rfind(R"({"file": "SpaceShip.lwo", "scale": 5, "vertices": )", 0), 0u) << r.Out;
-    EXPECT_NE(r.Out.find(R"("outerRadius": )"), std::string::npos);
 
     r = Cli({"wave", "Missile.wav"});
     EXPECT_EQ(r.Status, 0);
@@ -126,9 +95,8 @@ TEST_F(CliTest, MeshAndWaveDescribeDataFiles)
     EXPECT_EQ(Cli({"mesh", "SpaceShip.lwo", "big"}).Status, 2);
 
     r = Cli({"wave", In("none.wav").string()});
-    EXPECT_EQ(r.Status, 255);
+    EXPECT_TRUE(r.Status == 255 && r.Out.empty());
     EXPECT_EQ(r.Err, "message [Error] File not found: " + In("none.wav").string() + "\n");
-    EXPECT_EQ(r.Out, "");
 }
 
 TEST_F(CliTest, CheckListsProblemsAndExitsByThem)
@@ -136,22 +104,18 @@ TEST_F(CliTest, CheckListsProblemsAndExitsByThem)
     WriteText(In("fix.script"), "command 11874\nsave " + In("ok.ORVLevel").string() + "\n");
     ASSERT_EQ(Cli({"run", In("fix.script")}).Status, 0);
     RUN r = Cli({"check", In("ok.ORVLevel")});
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Out, "");
+    EXPECT_TRUE(r.Status == 0 && r.Out.empty());
     ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
     r = Cli({"check", In("a.ORVLevel")});
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_EQ(r.Out, "Nincs egyfős játékos kezdőpont.\n");
-    EXPECT_EQ(Cli({"check"}).Status, 2);
-    EXPECT_EQ(Cli({"check", In("missing.ORVLevel")}).Status, 1);
+    EXPECT_TRUE(r.Status == 1 && r.Out == "Nincs egyfős játékos kezdőpont.\n");
+    EXPECT_TRUE(Cli({"check"}).Status == 2 && Cli({"check", In("missing.ORVLevel")}).Status == 1);
 }
 
 TEST_F(CliTest, RenderDrawsTheFirstFrameIntoAPng)
 {
     ASSERT_EQ(Cli({"new", In("a.ORVLevel")}).Status, 0);
     RUN r = Cli({"render", In("a.ORVLevel"), In("a.png")});
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "");
+    EXPECT_TRUE(r.Status == 0 && r.Err.empty());
     std::string png = ReadText(In("a.png"));
     ASSERT_GT(png.size(), 1000u); // a picture, not a blank
     EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");
@@ -175,9 +139,7 @@ TEST_F(CliTest, RenderDrawsTheFirstFrameIntoAPng)
     {
         RUN dump = Cli({"dump", In(level)});
         r = Cli({"render", In(level), In("d.png")});
-        EXPECT_EQ(r.Status, 1) << level;
-        EXPECT_EQ(r.Err, dump.Err) << level;
-        EXPECT_FALSE(fs::exists(In("d.png"))) << level;
+        EXPECT_TRUE(r.Status == 1 && r.Err == dump.Err && !fs::exists(In("d.png"))) << level;
     }
 
     const std::vector<std::vector<std::string>> wrong = {
@@ -189,8 +151,7 @@ TEST_F(CliTest, RenderDrawsTheFirstFrameIntoAPng)
         args = {"render", In("a.ORVLevel"), In("e.png")};
         args.insert(args.end(), extra.begin(), extra.end());
         r = Cli(args);
-        EXPECT_EQ(r.Status, 2) << extra[0] << " " << extra.size();
-        EXPECT_NE(r.Err.find("usage: orvane-cli render"), std::string::npos);
-        EXPECT_FALSE(fs::exists(In("e.png")));
+        EXPECT_TRUE(r.Status == 2 && r.Err.find("usage: orvane-cli render") != std::string::npos && !fs::exists(In("e.png")))
+            << extra[0] << " " << extra.size();
     }
 }

@@ -45,16 +45,14 @@ TEST_F(RunTest, EditsAreSavedAndDumpedAsTheToolDoes)
                 "save  " + Path("my level.ORVLevel") + " \r\n"
                 "dump -\n"
                 "dump " + Path("copy.json")); // no line end
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "");
+    EXPECT_TRUE(r.Status == 0 && r.Err.empty());
     EXPECT_EQ(r.Out, Cli({"dump", Path("my level.ORVLevel")}).Out);
     EXPECT_EQ(ReadText(In("copy.json")), r.Out);
     EXPECT_NE(r.Out.find(R"({"index": 4, "x": -99, "y": 100, "z": -100})"), std::string::npos);
     EXPECT_NE(r.Out.find(R"("neighbours": [1, -1, -1, -1, -1, -1])"), std::string::npos);
 
     r = Run("load " + Path("my level.ORVLevel") + "\ndump -\n");
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Out, ReadText(In("copy.json")));
+    EXPECT_TRUE(r.Status == 0 && r.Out == ReadText(In("copy.json")));
 }
 
 TEST_F(RunTest, CameraViewportClicksAndLights)
@@ -68,8 +66,7 @@ TEST_F(RunTest, CameraViewportClicksAndLights)
                 "viewport 100 100\nclick 320 240\ndump -\nclick 50 110\ndump -\n"
                 "viewport 640 480\nmove 0 150\nclick 320 240\ndump -\n" // out of the cube: nothing
                 "light 255 128 0 10000\nlight 0x33 12.5abc x 1e3\ndump -\n");
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "");
+    EXPECT_TRUE(r.Status == 0 && r.Err.empty());
     const std::vector<std::string> want = {
         R"({"segment": 0, "side": 2, "point": 0})", R"({"segment": 0, "side": 3, "point": 0})",
         R"({"segment": 0, "side": 5, "point": 0})", R"({"segment": 0, "side": 2, "point": 0})",
@@ -89,28 +86,21 @@ TEST_F(RunTest, JoinAndFitModes)
                             "select 1 0 0\ncommand 11865\n"
                             "select 0 0 0\ncamera 0 400 0  0 -1 0  0 0 -1  1 0 0\n";
     const std::string joined = R"("neighbours": [2, -1, -1, -1, -1, -1])";
+    // The join itself is the controller's test; here, that the shift typed
+    // reaches it.
     RUN typed3 = Run(gap + "joinmode 3\nclick 320 240\ndump -\n");
-    // An entry typed for one switch-on is not kept for the next.
-    RUN dialogDefault = Run(gap + "joinmode 1\ncommand 11858\ncommand 11858\nclick 320 240\ndump -\n");
     RUN typed1 = Run(gap + "joinmode 1\nclick 320 240\ndump -\n");
-    for (const RUN* r : {&typed3, &dialogDefault, &typed1})
-    {
-        EXPECT_EQ(r->Status, 0);
-        EXPECT_EQ(r->Err, "");
-        EXPECT_NE(r->Out.find(joined), std::string::npos);
-    }
-    EXPECT_EQ(dialogDefault.Out, typed3.Out);
+    for (const RUN* r : {&typed3, &typed1})
+        EXPECT_TRUE(r->Status == 0 && r->Err.empty() && r->Out.find(joined) != std::string::npos) << r->Err;
     EXPECT_NE(typed1.Out, typed3.Out);
 
     // Without a selection both modes refuse with a beep and stay off; then
     // fit mode carries side 2's texture to the clicked side 3.
     RUN r = Run("select -1 0 0\ncommand 11858\nfitmode\njoinmode 2\n"
                 "select 0 2 0\nfitmode\ncamera 0 0 0  -1 0 0  0 1 0  0 0 -1\nclick 320 240\ndump -\n");
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "beep\nbeep\nbeep\n");
+    EXPECT_TRUE(r.Status == 0 && r.Err == "beep\nbeep\nbeep\n" && r.Out.find(joined) == std::string::npos);
     EXPECT_EQ(Selections(r.Out), std::vector<std::string>{R"({"segment": 0, "side": 3, "point": 0})"});
     EXPECT_NE(r.Out.find(R"("texCoords": [[-1, 1], [-1, 0], [0, 0], [0, 1]])"), std::string::npos);
-    EXPECT_EQ(r.Out.find(joined), std::string::npos);
 }
 
 TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
@@ -134,22 +124,17 @@ TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
     {
         fs::remove(In("before"));
         RUN r = Run("save " + Path("before") + "\r\n\r\n" + line + "\r\nsave " + Path("after") + "\n");
-        EXPECT_EQ(r.Status, 2) << line;
+        EXPECT_TRUE(r.Status == 2 && r.Out.empty() && fs::exists(In("before")) && !fs::exists(In("after"))) << line;
         EXPECT_EQ(r.Err, Error(3, reason));
-        EXPECT_EQ(r.Out, "");
-        EXPECT_TRUE(fs::exists(In("before"))) << line;
-        EXPECT_FALSE(fs::exists(In("after"))) << line;
     }
 
     // Lines that fail stop with 1, after what the level code has said; a
     // level that has a file name still sees a failed load as one.
     RUN r = Run("save " + Path("before") + "\nload " + Path("missing") + "\nsave " + Path("after") + "\n");
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_EQ(r.Err.rfind("message [HIBA!] ", 0), 0u);
+    EXPECT_TRUE(r.Status == 1 && r.Err.rfind("message [HIBA!] ", 0) == 0u);
     EXPECT_EQ(r.Err.substr(r.Err.find('\n') + 1), Error(2, "cannot load " + Path("missing")));
     r = Run("\nsave " + Path("io") + "\n");
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_NE(r.Err.find(Error(2, "cannot save " + Path("io"))), std::string::npos);
+    EXPECT_TRUE(r.Status == 1 && r.Err.find(Error(2, "cannot save " + Path("io"))) != std::string::npos);
     r = Run("dump " + Path("nodir/a.json") + "\n");
     EXPECT_EQ(r.Status, 1);
     EXPECT_EQ(r.Err, Error(1, "cannot write " + Path("nodir/a.json") + ": No such file or directory"));
@@ -171,8 +156,7 @@ TEST_F(RunTest, UndoAndRedoRetraceScriptedEdits)
                 "undo\nundo\nsave " + Path("0u.ORVLevel") + "\nundo\n" // the last one is refused
                 "redo\nredo\nredo\nredo\nredo\n" + // so is the fifth
                 "dump -\n");
-    EXPECT_EQ(r.Status, 0);
-    EXPECT_EQ(r.Err, "beep\nbeep\n");
+    EXPECT_TRUE(r.Status == 0 && r.Err == "beep\nbeep\n");
     EXPECT_EQ(ReadText(In("0u.ORVLevel")), ReadText(In("0.ORVLevel")));
     EXPECT_EQ(ReadText(In("2u.ORVLevel")), ReadText(In("2.ORVLevel")));
     EXPECT_NE(r.Out.find(R"("brightness": 100)"), std::string::npos);

@@ -33,16 +33,14 @@ TEST_F(SimulateTest, PlacedObjectsRunRepeatablyFromASeed)
     RUN r = Cli({"run", Path("script")});
     ASSERT_EQ(r.Status, 0) << r.Err;
     std::string placed = Cli({"dump", Path("placed")}).Out;
-    EXPECT_EQ(Count(placed, R"("class": "SPACESHIP")"), 1u);
-    EXPECT_GE(Count(placed, R"("class": "P_)"), 4u); // placed ones plus at least one drop
-    EXPECT_EQ(Count(placed, "EXPLOSION"), 0u);       // effects are never saved
+    // The placed items plus at least one drop; effects are never saved.
+    EXPECT_TRUE(Count(placed, R"("class": "SPACESHIP")") == 1 && Count(placed, R"("class": "P_)") >= 4 && Count(placed, "EXPLOSION") == 0);
 
     ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("a"), "7"}).Status, 0);
     ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("b"), "7"}).Status, 0);
     EXPECT_TRUE(ReadText(In("a")) == ReadText(In("b")));
     std::string after = Cli({"dump", Path("a")}).Out;
-    EXPECT_NE(after, placed); // items turn, ships count money
-    EXPECT_EQ(Count(after, R"("class": "SPACESHIP")"), 1u);
+    EXPECT_TRUE(after != placed && Count(after, R"("class": "SPACESHIP")") == 1); // items turn, ships count money
 
     EXPECT_EQ(Cli({"simulate", Path("placed"), "-1", Path("d")}).Status, 2);
     EXPECT_EQ(Cli({"simulate", Path("placed"), "1", Path("d"), "x"}).Status, 2);

@@ -27,10 +27,8 @@ protected:
 
 TEST_F(DocumentTest, EveryChangeAdvancesTheRevisionAndNothingElseDoes)
 {
-    EXPECT_EQ(TheLevel, &L);
-    EXPECT_FALSE(Doc.Modified());
-    L.CurrentSegment = 0;
-    L.CurrentSide = 2;
+    EXPECT_TRUE(TheLevel == &L && !Doc.Modified());
+    L.CurrentSegment = 0, L.CurrentSide = 2;
 
     // Level operations, the controller's commands and clicks.
     EXPECT_TRUE(Advances([&] { Editor.Command(CM_NEWSEGMENT); }));
@@ -39,23 +37,23 @@ TEST_F(DocumentTest, EveryChangeAdvancesTheRevisionAndNothingElseDoes)
                    CM_CALCULATELIGHTING, CM_FULLBRIGHTNESS, CM_STARTPOINT, CM_DELETENEARESTSPECPOINT, CM_ENEMYSHIP,
                    CM_DELETENEARESTTHING, CM_SHIELDBONUS})
         EXPECT_TRUE(Advances([&] { Editor.Command(id); })) << id;
-    EXPECT_TRUE(Advances([&] { L.NewLight(Cam.Position, 255, 0, 0, 100); }));
-    EXPECT_TRUE(Advances([&] { Editor.Command(CM_DELETENEARESTLIGHT); }));
-    EXPECT_TRUE(Advances([&] { L.Add("WallTex.bmp"); }));
-    EXPECT_TRUE(Advances([&] { L.ReplaceTextureAt("InvSide.bmp", 1); }));
-    EXPECT_TRUE(Advances([&] { L.DeleteTextureAt(1); }));
     int cube = AddCubeCopy(L, {1000, 0, 0});
-    EXPECT_TRUE(Advances([&] { L.JoinSides(0, 0, cube, 2, 0); }));
-    EXPECT_TRUE(Advances([&] { L.FitTexture(0, 1, 0, 4); }));
-    EXPECT_TRUE(Advances([&] { L.Unlink(0, 0); }));
-    EXPECT_TRUE(Advances([&] { L.DeleteSegment(cube); }));
+    const std::function<void()> changes[] = {
+        [&] { L.NewLight(Cam.Position, 255, 0, 0, 100); }, [&] { Editor.Command(CM_DELETENEARESTLIGHT); },
+        [&] { L.Add("WallTex.bmp"); }, [&] { L.ReplaceTextureAt("InvSide.bmp", 1); }, [&] { L.DeleteTextureAt(1); },
+        [&] { L.JoinSides(0, 0, cube, 2, 0); }, [&] { L.FitTexture(0, 1, 0, 4); }, [&] { L.Unlink(0, 0); },
+        [&] { L.DeleteSegment(cube); }};
+    for (size_t i = 0; i < std::size(changes); ++i)
+        EXPECT_TRUE(Advances(changes[i])) << i;
 
     // Selection and camera changes, refusals and lookups leave it.
-    EXPECT_FALSE(Advances([&] { Editor.Command(CM_NEXTPOINT); }));
-    EXPECT_FALSE(Advances([&] { Cam.Move(CAM_FORWARD, 10); }));
-    EXPECT_FALSE(Advances([&] { Editor.LeftClick(320, 240); }));
-    EXPECT_FALSE(Advances([&] { L.FindSegment({0, 0, 0}); }));
-    EXPECT_FALSE(Advances([&] { (void)L.Serialize(); }));
+    EXPECT_FALSE(Advances([&] {
+        Editor.Command(CM_NEXTPOINT);
+        Cam.Move(CAM_FORWARD, 10);
+        Editor.LeftClick(320, 240);
+        L.FindSegment({0, 0, 0});
+        (void)L.Serialize();
+    }));
     L.CurrentSegment = -1;
     EXPECT_FALSE(Advances([&] {
         for (int id : {CM_NEWSEGMENT, CM_POINTZPLUS, CM_APPLYTEXTURE, CM_RESTORETEXTURE, CM_DELETESEGMENT,
@@ -78,25 +76,20 @@ TEST_F(DocumentTest, OpenSaveAndSaveAsAnswerAndKeepTheModifiedState)
     L.MovePoint(1, 0, 0);
     ASSERT_TRUE(Doc.Modified());
     ASSERT_TRUE(Doc.SaveAs(file));
-    EXPECT_FALSE(Doc.Modified());
-    EXPECT_EQ(Doc.FileName(), file);
+    EXPECT_TRUE(!Doc.Modified() && Doc.FileName() == file);
 
     // A failed save keeps the name and the modified state.
     L.MovePoint(1, 0, 0);
     EXPECT_FALSE(Doc.SaveAs((dir / "missing" / "b.ORVLevel").string()));
-    EXPECT_EQ(Doc.FileName(), file);
-    EXPECT_TRUE(Doc.Modified());
-    EXPECT_TRUE(Doc.Save());
-    EXPECT_FALSE(Doc.Modified());
+    EXPECT_TRUE(Doc.FileName() == file && Doc.Modified());
+    EXPECT_TRUE(Doc.Save() && !Doc.Modified());
 
     // Opening advances the revision and leaves an unmodified document; a
     // failed open changes nothing.
     uint64_t before = Doc.Revision();
     L.MovePoint(1, 0, 0);
     EXPECT_FALSE(Doc.Open((dir / "none.ORVLevel").string()));
-    EXPECT_TRUE(Doc.Modified());
-    EXPECT_EQ(Doc.FileName(), file);
+    EXPECT_TRUE(Doc.Modified() && Doc.FileName() == file);
     ASSERT_TRUE(Doc.Open(file));
-    EXPECT_GT(Doc.Revision(), before);
-    EXPECT_FALSE(Doc.Modified());
+    EXPECT_TRUE(Doc.Revision() > before && !Doc.Modified());
 }

@@ -5,6 +5,8 @@
 #include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
+#include <algorithm>
+
 namespace {
 
 class HistoryTest : public PlatformTest
@@ -34,13 +36,11 @@ protected:
 
 TEST_F(HistoryTest, UndoAndRedoWalkBackAndForthThroughExactImages)
 {
-    L.CurrentSegment = 0;
-    L.CurrentSide = 2;
+    L.CurrentSegment = 0, L.CurrentSide = 2;
     std::vector<std::vector<uint8_t>> images{L.Serialize()};
     EXPECT_TRUE(Act(CM_NEWSEGMENT));
     images.push_back(L.Serialize());
-    L.CurrentSegment = 1; // a pick: not a step of its own
-    L.CurrentSide = 1;
+    L.CurrentSegment = 1, L.CurrentSide = 1; // a pick: not a step of its own
     EXPECT_FALSE(H.Checkpoint());
     EXPECT_TRUE(Act(CM_POINTXPLUS));
     images.push_back(L.Serialize());
@@ -49,18 +49,15 @@ TEST_F(HistoryTest, UndoAndRedoWalkBackAndForthThroughExactImages)
     EXPECT_FALSE(Act(CM_NEXTPOINT)); // selection only
     EXPECT_EQ(H.Steps(), 3u);
 
-    EXPECT_TRUE(H.Undo());
-    EXPECT_EQ(L.Serialize(), images[2]);
-    EXPECT_TRUE(H.Undo());
-    EXPECT_EQ(L.Serialize(), images[1]);
-    // The selection is the one the undone step started from.
-    EXPECT_EQ(L.CurrentSegment, 1);
-    EXPECT_EQ(L.CurrentSide, 1);
-    EXPECT_EQ(L.CurrentPoint, 0);
-    EXPECT_TRUE(H.Undo());
-    EXPECT_EQ(L.Serialize(), images[0]);
-    EXPECT_EQ(L.CurrentSegment, 0);
-    EXPECT_EQ(L.CurrentSide, 2);
+    // Each undo gives the image before its step, and the selection that
+    // step started from.
+    const int32_t selections[3][2] = {{0, 2}, {1, 1}, {1, 1}};
+    for (int step = 2; step >= 0; --step)
+    {
+        EXPECT_TRUE(H.Undo());
+        EXPECT_EQ(L.Serialize(), images[size_t(step)]) << step;
+        EXPECT_TRUE(L.CurrentSegment == selections[step][0] && L.CurrentSide == selections[step][1] && L.CurrentPoint == 0) << step;
+    }
     EXPECT_FALSE(H.Undo());
     EXPECT_TRUE(H.Redo());
     EXPECT_TRUE(H.Redo());
@@ -86,10 +83,7 @@ TEST_F(HistoryTest, UndoingADeletedShipLeavesNothingBehind)
 
     EXPECT_TRUE(H.Undo());
     EXPECT_EQ(L.Serialize(), withShip);
-    int things = 0;
-    for (int i = 0; i < MAX_THINGS; ++i)
-        things += L.Things[i] != nullptr;
-    EXPECT_EQ(things, 1);
+    EXPECT_EQ(std::count_if(L.Things, L.Things + MAX_THINGS, [](THING* t) { return t; }), 1);
     EXPECT_EQ(L.Things[0]->Level, &L);
 }
 
@@ -106,8 +100,7 @@ TEST_F(HistoryTest, MemoryStaysBoundedAndOpeningStartsAfresh)
         EXPECT_TRUE(small.Checkpoint());
         EXPECT_LE(small.MemoryUsed(), L.Serialize().size() * 3);
     }
-    EXPECT_GT(small.Steps(), 0u);
-    EXPECT_LT(small.Steps(), 50u);
+    EXPECT_TRUE(small.Steps() > 0u && small.Steps() < 50u);
 
     Act(CM_POINTZPLUS);
     ASSERT_TRUE(H.CanUndo());

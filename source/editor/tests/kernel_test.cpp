@@ -28,8 +28,7 @@ TEST_F(KernelTest, KeysByScanCodeMoveTheCameraOncePerStep)
 {
     const CAMERA start = Cam;
     Press(KEY_UP); // the grey key is keypad 8
-    EXPECT_TRUE(Kernel.Moving());
-    EXPECT_TRUE(Kernel.Update());
+    EXPECT_TRUE(Kernel.Moving() && Kernel.Update());
     EXPECT_EQ(Cam.Position, start.Position + start.ViewDir * 10.0f);
     EXPECT_FALSE(Kernel.Update()); // within the same 40 ms
     P().Now += 41;
@@ -40,14 +39,14 @@ TEST_F(KernelTest, KeysByScanCodeMoveTheCameraOncePerStep)
     Kernel.Update();
     EXPECT_NEAR(Length(Cam.Position - before), 0.0f, 1e-4f);
 
-    Press(KEY_KP8, false);
-    Press(KEY_KP5, false);
+    for (uint32_t key : {KEY_KP8, KEY_KP5})
+        Press(key, false);
     Press(KEY_DOWN);
     Press(KEY_KP2);
     EXPECT_FALSE(Kernel.Moving()); // the down arrow and keypad 2 do nothing
-    EXPECT_EQ(CameraOpOfScanCode(ScanCodeOfEvdev(KEY_DELETE)), CAM_ROLLRIGHTDOWN);
-    EXPECT_EQ(CameraOpOfScanCode(0xE053), CAM_ROLLRIGHTDOWN); // extended bit ignored
-    EXPECT_EQ(CameraOpOfScanCode(0x50), -1);
+    // The extended bit is ignored.
+    EXPECT_EQ((std::vector{CameraOpOfScanCode(ScanCodeOfEvdev(KEY_DELETE)), CameraOpOfScanCode(0xE053), CameraOpOfScanCode(0x50)}),
+              (std::vector{int(CAM_ROLLRIGHTDOWN), int(CAM_ROLLRIGHTDOWN), -1}));
 }
 
 TEST_F(KernelTest, MouseLookTurnsByTheCursorOffsetAndRecentres)
@@ -57,18 +56,14 @@ TEST_F(KernelTest, MouseLookTurnsByTheCursorOffsetAndRecentres)
     Kernel.MouseLook = true;
     CursorX = 420;
     Kernel.Update();
-    EXPECT_EQ(Cam.ViewDir, expected.ViewDir);
-    EXPECT_EQ(Cam.Right, expected.Right);
-    EXPECT_TRUE(CursorX == 320 && CursorY == 240);
+    EXPECT_TRUE(Cam.ViewDir == expected.ViewDir && Cam.Right == expected.Right && CursorX == 320 && CursorY == 240);
 }
 
 TEST(FilePath, MakeRelativePath)
 {
-    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a/b"), "x.bmp");
-    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a/b/c"), "..\\x.bmp");
-    EXPECT_EQ(MakeRelativePath("/a/b/x.bmp", "/a"), "b\\x.bmp");
-    EXPECT_EQ(MakeRelativePath("/A/b/x.bmp", "/a/B"), "x.bmp");
     // The first piece that differs was compared in upper case.
-    EXPECT_EQ(MakeRelativePath("/games/tex/wall.bmp", "/games/edit"), "..\\TEX\\wall.bmp");
-    EXPECT_EQ(MakeRelativePath("/a/b", "/a/b"), "");
+    for (auto [path, from, want] : {std::tuple{"/a/b/x.bmp", "/a/b", "x.bmp"}, {"/a/b/x.bmp", "/a/b/c", "..\\x.bmp"},
+                                    {"/a/b/x.bmp", "/a", "b\\x.bmp"}, {"/A/b/x.bmp", "/a/B", "x.bmp"},
+                                    {"/games/tex/wall.bmp", "/games/edit", "..\\TEX\\wall.bmp"}, {"/a/b", "/a/b", ""}})
+        EXPECT_EQ(MakeRelativePath(path, from), want) << path << " from " << from;
 }

@@ -4,7 +4,6 @@
 #include "platform/tests/testplatform.h"
 
 #include <filesystem>
-#include <fstream>
 
 namespace fs = std::filesystem;
 
@@ -39,16 +38,14 @@ TEST_F(RecoveryTest, CopiesFollowUnsavedChangesAtTheInterval)
 
     RECOVERYCOPY copy;
     ASSERT_EQ(Rec.Find(copy), ORVERECOVERY::INTACT);
-    EXPECT_EQ(copy.Image, Doc.Level().Serialize());
-    EXPECT_FALSE(copy.FileName);
+    EXPECT_TRUE(copy.Image == Doc.Level().Serialize() && !copy.FileName);
 
     // A save removes the copy; closing without changes leaves none.
     fs::create_directories(Dir);
     ASSERT_TRUE(Doc.SaveAs((Dir / "mine.ORVLevel").string()));
     Rec.Remove();
     EXPECT_EQ(Rec.Find(copy), ORVERECOVERY::NONE);
-    EXPECT_TRUE(Rec.Close());
-    EXPECT_FALSE(fs::exists(Rec.Path()));
+    EXPECT_TRUE(Rec.Close() && !fs::exists(Rec.Path()));
     Edit();
     EXPECT_TRUE(Rec.Close());
     ASSERT_EQ(Rec.Find(copy), ORVERECOVERY::INTACT);
@@ -71,21 +68,18 @@ TEST_F(RecoveryTest, RestoreKeepsTheFileNameAndDamageIsRecognised)
     again.Restore(copy);
     EXPECT_EQ(other.Level().Serialize(), edited);
     EXPECT_EQ(other.FileName(), (Dir / "mine.ORVLevel").string());
-    EXPECT_TRUE(other.Modified());
-    EXPECT_FALSE(other.History.CanUndo());
+    EXPECT_TRUE(other.Modified() && !other.History.CanUndo());
 
     // Any byte changed or cut off makes the copy damaged; it is set aside.
-    std::vector<char> bytes(fs::file_size(again.Path()));
-    std::ifstream(again.Path(), std::ios::binary).read(bytes.data(), std::streamsize(bytes.size()));
-    for (size_t cut : {size_t(0), size_t(100), bytes.size() - 1})
+    const std::vector<uint8_t> bytes = ReadFile(again.Path());
+    std::vector<uint8_t> flipped = bytes;
+    flipped[200] ^= 1;
+    for (const std::vector<uint8_t>& damaged : {std::vector<uint8_t>(), std::vector<uint8_t>(bytes.begin(), bytes.begin() + 100),
+                                                std::vector<uint8_t>(bytes.begin(), bytes.end() - 1), flipped})
     {
-        std::ofstream(again.Path(), std::ios::binary).write(bytes.data(), std::streamsize(cut));
-        EXPECT_EQ(again.Find(copy), ORVERECOVERY::DAMAGED) << cut;
+        WriteFile(again.Path(), damaged);
+        EXPECT_EQ(again.Find(copy), ORVERECOVERY::DAMAGED) << damaged.size();
     }
-    bytes[200] ^= 1;
-    std::ofstream(again.Path(), std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
-    EXPECT_EQ(again.Find(copy), ORVERECOVERY::DAMAGED);
-    const std::string aside = again.SetAside();
-    EXPECT_TRUE(fs::exists(aside));
+    EXPECT_TRUE(fs::exists(again.SetAside()));
     EXPECT_EQ(again.Find(copy), ORVERECOVERY::NONE);
 }

@@ -21,8 +21,7 @@ Bytes Bmp(int32_t width, int32_t height, uint16_t bpp, uint32_t imageSize, Bytes
     Bytes b(54 + rest.size(), 0);
     std::copy(rest.begin(), rest.end(), b.begin() + 54);
     auto put = [&](size_t at, uint32_t v) { for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (8 * i)); };
-    b[0] = 'B';
-    b[1] = 'M';
+    b[0] = 'B', b[1] = 'M';
     put(18, uint32_t(width));
     put(22, uint32_t(height));
     put(28, bpp);
@@ -42,6 +41,7 @@ struct OUTBUF
         return LoadBMP(Data.data(), Capacity, file.c_str(), size, r, g, b);
     }
     Bytes Pixel(int i) const { return {Data.begin() + 4 * i, Data.begin() + 4 * i + 4}; }
+    Bytes Pixels(int n) const { return {Data.begin(), Data.begin() + 4 * n}; }
     bool UntouchedFrom(size_t from) const
     {
         for (size_t i = from; i < Data.size(); ++i)
@@ -69,16 +69,11 @@ TEST(BitmapTest, DecodesBothDepthsWithColourKey)
     // Blue, green, red per pixel: (0,0,0), (255,0,0), (0,0,1), (10,20,30) as RGB.
     std::string rgb = dir.Write("rgb.bmp", Bmp(2, 2, 24, 12, {0, 0, 0, 0, 0, 255, 1, 0, 0, 30, 20, 10}));
     EXPECT_EQ(out.Load(rgb, size), 12u);
-    EXPECT_EQ(size[0], 2);
-    EXPECT_EQ(size[1], 2);
-    EXPECT_EQ(out.Pixel(0), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(out.Pixel(1), (Bytes{255, 0, 0, 255}));
-    EXPECT_EQ(out.Pixel(2), (Bytes{0, 0, 1, 255}));
-    EXPECT_EQ(out.Pixel(3), (Bytes{10, 20, 30, 255}));
+    EXPECT_TRUE(size[0] == 2 && size[1] == 2);
+    EXPECT_EQ(out.Pixels(4), (Bytes{0, 0, 0, 0, 255, 0, 0, 255, 0, 0, 1, 255, 10, 20, 30, 255}));
     EXPECT_TRUE(out.UntouchedFrom(16));
     out.Load(rgb, size, 10, 20, 30); // any colour can be the key
-    EXPECT_EQ(out.Pixel(0)[3], 255);
-    EXPECT_EQ(out.Pixel(3)[3], 0);
+    EXPECT_TRUE(out.Pixel(0)[3] == 255 && out.Pixel(3)[3] == 0);
 
     // Palette entries are blue, green, red, reserved; entry 5 is black.
     Bytes pal;
@@ -88,11 +83,7 @@ TEST(BitmapTest, DecodesBothDepthsWithColourKey)
     pal.insert(pal.end(), {5, 9, 5, 255});
     OUTBUF out8;
     EXPECT_EQ(out8.Load(dir.Write("pal.bmp", Bmp(4, 1, 8, 4, pal)), size), 4u);
-    EXPECT_EQ(size[0], 4);
-    EXPECT_EQ(out8.Pixel(0), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(out8.Pixel(1), (Bytes{7, 9, 200, 255}));
-    EXPECT_EQ(out8.Pixel(2), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(out8.Pixel(3), (Bytes{7, 255, 200, 255}));
+    EXPECT_EQ(out8.Pixels(4), (Bytes{0, 0, 0, 0, 7, 9, 200, 255, 0, 0, 0, 0, 7, 255, 200, 255}));
     EXPECT_TRUE(out8.UntouchedFrom(16));
 }
 
@@ -108,15 +99,13 @@ TEST(BitmapTest, RefusesWithoutWritingAnything)
         OUTBUF out(16);
         int32_t size[2] = {-7, -7};
         EXPECT_EQ(out.Load(dir.Write("x.bmp", file), size), 0u);
-        EXPECT_EQ(size[0], -7);
-        EXPECT_TRUE(out.UntouchedFrom(0));
+        EXPECT_TRUE(size[0] == -7 && out.UntouchedFrom(0));
     }
 
     OUTBUF out(16);
     int32_t size[2] = {};
     EXPECT_EQ(out.Load(dir.Write("fits.bmp", Bmp(2, 2, 24, 12, pixels)), size), 12u);
-    EXPECT_EQ(out.Pixel(3), (Bytes{50, 50, 50, 255}));
-    EXPECT_TRUE(out.UntouchedFrom(16));
+    EXPECT_TRUE(out.Pixel(3) == (Bytes{50, 50, 50, 255}) && out.UntouchedFrom(16));
 
     // A zero image-size field yields 0 although the pixels are decoded.
     EXPECT_EQ(out.Load(dir.Write("nosize.bmp", Bmp(1, 1, 24, 0, {3, 2, 1})), size), 0u);
@@ -125,8 +114,7 @@ TEST(BitmapTest, RefusesWithoutWritingAnything)
     // A top-down image (negative height) has no pixels to decode.
     OUTBUF down;
     EXPECT_EQ(down.Load(dir.Write("down.bmp", Bmp(2, -2, 24, 12, pixels)), size), 12u);
-    EXPECT_EQ(size[1], -2);
-    EXPECT_TRUE(down.UntouchedFrom(0));
+    EXPECT_TRUE(size[1] == -2 && down.UntouchedFrom(0));
 
     EXPECT_EQ(NextFreeFd(), before) << "a file was left open";
 }
@@ -137,9 +125,7 @@ TEST(BitmapTest, TruncatedFileDecodesMissingBytesAsZero)
     int32_t size[2] = {};
     OUTBUF out;
     EXPECT_EQ(out.Load(dir.Write("a.bmp", Bmp(2, 2, 24, 12, {5, 6, 7, 8, 9})), size), 12u);
-    EXPECT_EQ(out.Pixel(0), (Bytes{7, 6, 5, 255}));
-    EXPECT_EQ(out.Pixel(1), (Bytes{0, 9, 8, 255}));
-    EXPECT_EQ(out.Pixel(3), (Bytes{0, 0, 0, 0}));
+    EXPECT_EQ(out.Pixels(4), (Bytes{7, 6, 5, 255, 0, 9, 8, 255, 0, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_TRUE(out.UntouchedFrom(16));
 
     // The palette ends inside entry 1; missing index bytes are index 0.
@@ -175,10 +161,7 @@ TEST_F(BitmapFatalTest, MissingOrReadOnlyFileEndsTheProgram)
             } catch (const FATALEXIT& e) {
                 EXPECT_EQ(e.Status, 0);
             }
-            ASSERT_EQ(P().Messages.size(), 1u);
-            EXPECT_EQ(P().Messages[0].Text, shown + " nem található!\n");
-            EXPECT_EQ(P().Messages[0].Caption, "");
-            EXPECT_EQ(P().Messages[0].Icon, MSGICON_NONE);
+            EXPECT_EQ(P().Messages, (MESSAGES{{shown + " nem található!\n", "", MSGICON_NONE}}));
         }
     EXPECT_TRUE(out.UntouchedFrom(0));
 

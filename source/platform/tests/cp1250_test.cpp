@@ -9,9 +9,7 @@ TEST(Cp1250Test, HungarianLettersRoundTrip)
 {
     const std::string utf8 = "őŐűŰáéíóöúü ÁÉÍÓÖÚÜ";
     const std::string cp = "\xF5\xD5\xFB\xDB\xE1\xE9\xED\xF3\xF6\xFA\xFC \xC1\xC9\xCD\xD3\xD6\xDA\xDC";
-    EXPECT_EQ(Utf8ToCp1250(utf8), cp);
-    EXPECT_EQ(Cp1250ToUtf8(cp), utf8);
-    EXPECT_EQ(Cp1250ToUtf8("\xDAj szegmens"), "Új szegmens");
+    EXPECT_TRUE(Utf8ToCp1250(utf8) == cp && Cp1250ToUtf8(cp) == utf8);
 }
 
 TEST(Cp1250Test, HighHalfMapsOneToOneExceptTheUndefinedBytes)
@@ -22,8 +20,7 @@ TEST(Cp1250Test, HighHalfMapsOneToOneExceptTheUndefinedBytes)
         std::string byte(1, char(b));
         std::string utf8 = Cp1250ToUtf8(byte);
         if (undefined.count(b)) {
-            EXPECT_EQ(utf8, "\xEF\xBF\xBD") << b;
-            EXPECT_EQ(Utf8ToCp1250(utf8), "?") << b;
+            EXPECT_TRUE(utf8 == "\xEF\xBF\xBD" && Utf8ToCp1250(utf8) == "?") << b;
         } else {
             EXPECT_EQ(Utf8ToCp1250(utf8), byte) << b;
             EXPECT_TRUE(seen.insert(utf8).second) << "two bytes decode to the same character: " << b;
@@ -36,9 +33,7 @@ TEST(Cp1250Test, HighHalfMapsOneToOneExceptTheUndefinedBytes)
 
 TEST(Cp1250Test, UnmappableAndMalformedBecomeQuestionMarks)
 {
-    EXPECT_EQ(Utf8ToCp1250("ж€ñ😀x"), "?\x80?" "?x"); // ñ is not in the code page
-    EXPECT_EQ(Utf8ToCp1250("\xC3(A"), "?(A");
-    EXPECT_EQ(Utf8ToCp1250("\xC0\xAF"), "??");         // overlong '/'
-    EXPECT_EQ(Utf8ToCp1250("\xED\xA0\x80"), "???");    // surrogate
-    EXPECT_EQ(Utf8ToCp1250("\xF4\x90\x80\x80"), "????"); // beyond U+10FFFF
+    // ñ is not in the code page; then an overlong '/', a surrogate and a
+    // code beyond U+10FFFF.
+    EXPECT_EQ(Utf8ToCp1250("ж€ñ😀x|\xC3(A|\xC0\xAF|\xED\xA0\x80|\xF4\x90\x80\x80"), "?\x80?" "?x|?(A|??|???|????");
 }

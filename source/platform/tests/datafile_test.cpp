@@ -27,10 +27,8 @@ public:
         fs::remove_all(Path);
         fs::create_directories(Path / "Textúrák" / "Régi");
         fs::create_directories(Path / "ŐSZ");
-        Touch("Textúrák/Fal Tex.BMP");
-        Touch("Textúrák/Régi/KŐ.bmp");
-        Touch("ŐSZ/ÁBRA.bmp");
-        Touch("lezárt.bmp");
+        for (const char* name : {"Textúrák/Fal Tex.BMP", "Textúrák/Régi/KŐ.bmp", "ŐSZ/ÁBRA.bmp", "lezárt.bmp"})
+            std::ofstream(Path / name) << "x";
         chmod((Path / "lezárt.bmp").c_str(), 0444);
         fs::current_path(Path);
     }
@@ -39,7 +37,6 @@ public:
         fs::current_path(Saved);
         fs::remove_all(Path);
     }
-    void Touch(const std::string& name) { std::ofstream(Path / name) << "x"; }
 };
 
 } // namespace
@@ -67,9 +64,8 @@ TEST(DataFileTest, OpensOnlyWritablePlainFiles)
     DATATREE tree;
     int fd = OpenDataFileReadWrite("TEXT\xDAR\xC1K\\fal tex.bmp");
     EXPECT_GE(fd, 0);
-    if (fd >= 0)
-        close(fd);
-    EXPECT_EQ(OpenDataFileReadWrite("LEZ\xC1RT.BMP"), -1); // read-only, even for the superuser
-    EXPECT_EQ(OpenDataFileReadWrite("\xF5sz"), -1);         // a directory
-    EXPECT_EQ(OpenDataFileReadWrite("nincs.bmp"), -1);
+    close(fd);
+    // Read-only (even for the superuser), a directory, a missing file.
+    for (const char* name : {"LEZ\xC1RT.BMP", "\xF5sz", "nincs.bmp"})
+        EXPECT_EQ(OpenDataFileReadWrite(name), -1) << name;
 }

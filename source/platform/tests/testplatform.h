@@ -23,7 +23,10 @@ struct RECORDEDMESSAGE
     std::string Text;
     std::string Caption;
     MESSAGEICON Icon;
+    bool operator==(const RECORDEDMESSAGE&) const = default;
+    friend std::ostream& operator<<(std::ostream& o, const RECORDEDMESSAGE& m) { return o << m.Caption << ": " << m.Text << " (" << m.Icon << ")"; }
 };
+using MESSAGES = std::vector<RECORDEDMESSAGE>;
 
 class TESTPLATFORM : public PLATFORM
 {

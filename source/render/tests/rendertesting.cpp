@@ -7,7 +7,6 @@
 #include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
-#include <fstream>
 #include <memory>
 
 #include <unistd.h>
@@ -160,25 +159,15 @@ std::string WriteBmp24(const std::string& name, int width, int height, const std
     } temp;
     const fs::path& dir = temp.Path;
     std::vector<uint8_t> b(54, 0);
-    auto put = [&](size_t at, uint32_t v) {
-        for (int i = 0; i < 4; ++i)
-            b[at + i] = uint8_t(v >> (8 * i));
-    };
-    b[0] = 'B';
-    b[1] = 'M';
+    auto put = [&](size_t at, uint32_t v) { for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (8 * i)); };
+    b[0] = 'B', b[1] = 'M', b[28] = 24;
     put(18, uint32_t(width));
     put(22, uint32_t(height));
-    b[28] = 24;
     put(34, uint32_t(rgb.size()));
     for (size_t i = 0; i + 2 < rgb.size(); i += 3)
-    {
-        b.push_back(rgb[i + 2]);
-        b.push_back(rgb[i + 1]);
-        b.push_back(rgb[i]);
-    }
-    std::string file = (dir / name).string();
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), std::streamsize(b.size()));
-    return file;
+        b.insert(b.end(), {rgb[i + 2], rgb[i + 1], rgb[i]});
+    WriteFile(dir / name, b);
+    return (dir / name).string();
 }
 
 std::vector<uint8_t> Pixels()

@@ -36,9 +36,7 @@ TEST_F(PlatformTest, EveryGeneratedDataFileLoads)
             void *data = nullptr, *memory = nullptr;
             uint32_t size = 0, frequency = 0;
             LoadWave(name.c_str(), &format, &data, &size, &frequency, &memory);
-            EXPECT_EQ(format, AL_FORMAT_MONO16);
-            EXPECT_EQ(frequency, 22050u);
-            EXPECT_GT(size, 22050u / 5);
+            EXPECT_TRUE(format == AL_FORMAT_MONO16 && frequency == 22050u && size > 22050u / 5);
             std::free(memory);
         }
         else
@@ -46,18 +44,13 @@ TEST_F(PlatformTest, EveryGeneratedDataFileLoads)
         ++files;
     }
     EXPECT_EQ(files, 3 + 7 + 4); // bitmaps, meshes, sounds
-    EXPECT_TRUE(P().Messages.empty());
-    EXPECT_EQ(P().Beeps, 0);
+    EXPECT_TRUE(P().Messages.empty() && P().Beeps == 0);
 
     // Every triangle has a coloured surface, and faces turn the way the
     // drawing frame of their class needs: the signed volume is positive when
     // they run counter-clockwise seen from outside (0: both ways).
     LoadThingMeshes();
-    const struct
-    {
-        const TRIMESH* Mesh;
-        int Winding;
-    } meshes[] = {{ThingMeshes.ShipLevel, +1}, {ThingMeshes.LaserBoost, +1}, {ThingMeshes.Energy, +1},
+    const struct { const TRIMESH* Mesh; int Winding; } meshes[] = {{ThingMeshes.ShipLevel, +1}, {ThingMeshes.LaserBoost, +1}, {ThingMeshes.Energy, +1},
                   {ThingMeshes.Shield, +1},    {ThingMeshes.Ship, -1},       {ThingMeshes.Tempest, 0},
                   {ThingMeshes.LaserShot, -1}};
     for (const auto& [m, winding] : meshes)

@@ -21,9 +21,7 @@ public:
     BLOCK(VECTOR3D p, float h)
     {
         position = p;
-        axisX = {1, 0, 0};
-        axisY = {0, 1, 0};
-        axisZ = {0, 0, 1};
+        axisX = {1, 0, 0}, axisY = {0, 1, 0}, axisZ = {0, 0, 1};
         boxXLow = boxYLow = boxZLow = -h;
         boxXHigh = boxYHigh = boxZHigh = h;
     }
@@ -64,31 +62,23 @@ TEST_F(GameTickTest, PhysicsStepPushesSolidPairsApartByTheFirstObjectsDistance)
 {
     BLOCK* a = Put(0, {0, 0, 0}, 10);
     BLOCK* b = Put(1, {15, 0, 0}, 10);
-    a->pushDistance = 3;
-    b->pushDistance = 100; // B's own distance plays no part in this pair
+    a->pushDistance = 3, b->pushDistance = 100; // B's own distance plays no part in this pair
     L->PhysicsStep();
     // Both move by A's distance along the line from B to A; then the wall
     // pass starts each live object's hit afresh, and nothing touched a wall.
-    EXPECT_EQ(a->position, VECTOR3D(-3, 0, 0));
-    EXPECT_EQ(b->position, VECTOR3D(18, 0, 0));
-    EXPECT_FALSE(a->hit);
-    EXPECT_FALSE(b->hit);
-    EXPECT_EQ(a->oldPosition, a->position);
-    EXPECT_EQ(b->segment, 0);
+    EXPECT_TRUE(a->position == VECTOR3D(-3, 0, 0) && b->position == VECTOR3D(18, 0, 0));
+    EXPECT_TRUE(!a->hit && !b->hit && a->oldPosition == a->position && b->segment == 0);
 
     // Ghosts take no part; objects at the very same place touch but are not
     // pushed (there is no direction to push them in).
     BLOCK* g = Put(2, {-10, 0, 0}, 10);
-    g->ghost = true;
-    g->pushDistance = 5;
+    g->ghost = true, g->pushDistance = 5;
     BLOCK* twin = Put(3, {50, 50, 50}, 1);
     BLOCK* twin2 = Put(4, {50, 50, 50}, 1);
     twin->pushDistance = 5;
     L->PhysicsStep();
-    EXPECT_EQ(g->position, VECTOR3D(-10, 0, 0));
-    EXPECT_EQ(a->position, VECTOR3D(-3, 0, 0)) << "only the ghost overlaps it now";
-    EXPECT_EQ(twin->position, VECTOR3D(50, 50, 50));
-    EXPECT_EQ(twin2->position, VECTOR3D(50, 50, 50));
+    EXPECT_TRUE(g->position == VECTOR3D(-10, 0, 0) && a->position == VECTOR3D(-3, 0, 0)) << "only the ghost overlaps A now";
+    EXPECT_TRUE(twin->position == VECTOR3D(50, 50, 50) && twin2->position == VECTOR3D(50, 50, 50));
 }
 
 TEST_F(GameTickTest, DeadObjectsAreOnlyEverTheSecondOfAPair)
@@ -98,37 +88,26 @@ TEST_F(GameTickTest, DeadObjectsAreOnlyEverTheSecondOfAPair)
     // committed.
     BLOCK* live = Put(0, {0, 0, 0}, 10);
     BLOCK* dead = Put(1, {0, 15, 0}, 10);
-    live->pushDistance = 3;
-    dead->dead = true;
+    live->pushDistance = 3, dead->dead = true;
     dead->axisX = {0, 1, 0}, dead->axisY = {-1, 0, 0}, dead->axisZ = {0, 0, 1};
     L->PhysicsStep();
-    EXPECT_EQ(live->position, VECTOR3D(0, -3, 0));
-    EXPECT_EQ(dead->position, VECTOR3D(0, 18, 0));
-    EXPECT_TRUE(dead->hit);
-    EXPECT_EQ(dead->oldPosition, VECTOR3D(0, 15, 0));
-    EXPECT_EQ(dead->oldAxisY, VECTOR3D(0, 1, 0));
-    EXPECT_EQ(dead->segment, -1);
-    EXPECT_EQ(live->segment, 0);
+    EXPECT_TRUE(live->position == VECTOR3D(0, -3, 0) && dead->position == VECTOR3D(0, 18, 0) && dead->hit);
+    EXPECT_TRUE(dead->oldPosition == VECTOR3D(0, 15, 0) && dead->oldAxisY == VECTOR3D(0, 1, 0));
+    EXPECT_TRUE(dead->segment == -1 && live->segment == 0);
 
     // In the earlier slot it starts no pair at all.
-    L->Things[0] = dead;
-    L->Things[1] = live;
+    std::swap(L->Things[0], L->Things[1]);
     dead->hit = false;
     live->position = live->oldPosition = {0, 5, 0};
     L->PhysicsStep();
-    EXPECT_EQ(live->position, VECTOR3D(0, 5, 0));
-    EXPECT_EQ(dead->position, VECTOR3D(0, 18, 0));
-    EXPECT_FALSE(dead->hit);
+    EXPECT_TRUE(live->position == VECTOR3D(0, 5, 0) && dead->position == VECTOR3D(0, 18, 0) && !dead->hit);
 
     // CommitThings on its own: every frame field of live objects only.
     live->position = {1, 2, 3};
     live->axisX = {0, 1, 0}, live->axisY = {-1, 0, 0}, live->axisZ = {0, 0, 1};
     L->CommitThings();
-    EXPECT_EQ(live->oldPosition, VECTOR3D(1, 2, 3));
-    EXPECT_EQ(live->oldAxisX, VECTOR3D(0, 1, 0));
-    EXPECT_EQ(live->oldAxisY, VECTOR3D(-1, 0, 0));
-    EXPECT_EQ(live->oldAxisZ, VECTOR3D(0, 0, 1));
-    EXPECT_EQ(dead->oldAxisY, VECTOR3D(0, 1, 0));
+    EXPECT_TRUE(live->oldPosition == VECTOR3D(1, 2, 3) && live->oldAxisX == VECTOR3D(0, 1, 0));
+    EXPECT_TRUE(live->oldAxisY == VECTOR3D(-1, 0, 0) && live->oldAxisZ == VECTOR3D(0, 0, 1) && dead->oldAxisY == VECTOR3D(0, 1, 0));
 }
 
 TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
@@ -138,9 +117,7 @@ TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
     // Moving straight out through the top: the outer pass hits, the top
     // corners are stopped 5 units before the wall and the object with them.
     BLOCK* b = Put(0, {40, 0, 10}, 10);
-    b->segment = 0;
-    b->outerRadius = 17.320508f;
-    b->innerRadius = 10;
+    b->segment = 0, b->outerRadius = 17.320508f, b->innerRadius = 10;
     b->position = {40, 150, 10};
     b->CollideWithWalls();
     ExpectNear(b->position, {40, 85, 10});
@@ -153,9 +130,7 @@ TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
     {
         SCOPED_TRACE(h);
         BLOCK* t = Put(1, {60, 0, 0}, h);
-        t->innerRadius = 20;
-        t->hit = true;
-        t->position = {60, 90, 0};
+        t->innerRadius = 20, t->hit = true, t->position = {60, 90, 0};
         t->CollideWithWalls();
         ExpectNear(t->position, {60, 80, 0});
         EXPECT_FALSE(t->hit);
@@ -170,8 +145,7 @@ TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
     {
         SCOPED_TRACE(seg);
         BLOCK* t = Put(1, {1040, 0, 10}, 0);
-        t->segment = seg;
-        t->position = {1040, 150, 10};
+        t->segment = seg, t->position = {1040, 150, 10};
         t->CollideWithWalls();
         EXPECT_EQ(t->hit, seg != 0);
         EXPECT_NEAR(t->position.y, seg == 0 ? 150.0f : 95.0f, 1e-3f);
@@ -185,18 +159,14 @@ TEST_F(GameTickTest, BodyPointsComeFromThePreviousFrame)
     // A pure turn in place swings the point 70 units along X through the top
     // wall; only its previous place (on the old axes) shows the crossing.
     BLOCK* b = Put(0, {0, 50, 0}, 0);
-    b->axisX = {0, 1, 0};
-    b->axisY = {-1, 0, 0};
-    EXPECT_TRUE(b->CollideBodyPoint(0, 0, 70, L->Segments[0]));
+    b->axisX = {0, 1, 0}, b->axisY = {-1, 0, 0};
+    EXPECT_TRUE(b->CollideBodyPoint(0, 0, 70, L->Segments[0]) && b->hit);
     ExpectNear(b->position, {0, 25, 0});
-    EXPECT_TRUE(b->hit);
 
     // The same offset given as z moves along the turn axis: no wall.
-    b->position = {0, 50, 0};
-    b->hit = false;
-    EXPECT_FALSE(b->CollideBodyPoint(70, 0, 0, L->Segments[0]));
+    b->position = {0, 50, 0}, b->hit = false;
+    EXPECT_FALSE(b->CollideBodyPoint(70, 0, 0, L->Segments[0]) || b->hit);
     EXPECT_EQ(b->position, VECTOR3D(0, 50, 0));
-    EXPECT_FALSE(b->hit);
 }
 
 TEST_F(GameTickTest, FindTouchingThingFollowsBothPaths)
@@ -252,18 +222,11 @@ TEST_F(GameTickTest, GameTickUpdatesEverySlotAndRemovesTheDead)
     Put(3, {0, 0, 0}, 1);
 
     L->GameTick(cam);
-    EXPECT_EQ(L->Things[0], early);
-    EXPECT_EQ(early->Updates, 0);
-    EXPECT_EQ(dying->Updates, 1);
+    EXPECT_TRUE(L->Things[0] == early && early->Updates == 0 && dying->Updates == 1);
 
     L->GameTick(cam);
-    EXPECT_EQ(early->Updates, 1);
-    EXPECT_EQ(destroyed, 1);
-    EXPECT_EQ(L->Things[4], late);
-    EXPECT_EQ(late->Updates, 1);
-    EXPECT_EQ(L->Things[5], leftover);
-    EXPECT_EQ(leftover->Updates, 1);
-    EXPECT_EQ(L->Things[2], nullptr);
+    EXPECT_TRUE(early->Updates == 1 && destroyed == 1 && !L->Things[2]);
+    EXPECT_TRUE(L->Things[4] == late && late->Updates == 1 && L->Things[5] == leftover && leftover->Updates == 1);
     // The emptied slot is the lowest free one again.
     EXPECT_EQ(L->AddThing(new THING), 2);
     EXPECT_TRUE(P().Messages.empty());
@@ -273,28 +236,21 @@ TEST_F(GameTickTest, RechargerSegmentsSparkEveryFourthTick)
 {
     CAMERA cam;
     L->Segments[0]->Type = SEGTYPE_RELOAD;
-    int plain = AddCube({1000, 0, 0});
+    AddCube({1000, 0, 0});
     int reload = AddCube({0, 1000, 0}, SEGTYPE_RELOAD);
     ASSERT_EQ(L->SparkCountdown, 0);
 
     L->GameTick(cam);
     EXPECT_EQ(L->SparkCountdown, 4);
     ASSERT_EQ(CountSparks(), 2);
-    int seen[2] = {};
+    // One in each recharger, in segment order.
     for (int i = 0; i < 2; ++i)
     {
         auto* s = dynamic_cast<SPARK*>(L->Things[i]);
         ASSERT_NE(s, nullptr);
-        EXPECT_EQ(s->size, 20.0f);
-        EXPECT_EQ(s->decay, 2.0f);
-        EXPECT_TRUE(s->ghost);
-        EXPECT_EQ(s->oldPosition, s->position);
-        int in = L->FindSegment(s->position);
-        EXPECT_NE(in, plain);
-        seen[i] = in;
+        EXPECT_TRUE(s->size == 20.0f && s->decay == 2.0f && s->ghost && s->oldPosition == s->position);
+        EXPECT_EQ(L->FindSegment(s->position), i ? reload : 0);
     }
-    EXPECT_EQ(seen[0], 0);
-    EXPECT_EQ(seen[1], reload);
 
     for (int tick = 2; tick <= 4; ++tick)
     {
@@ -302,6 +258,5 @@ TEST_F(GameTickTest, RechargerSegmentsSparkEveryFourthTick)
         EXPECT_EQ(CountSparks(), 2) << tick;
     }
     L->GameTick(cam);
-    EXPECT_EQ(CountSparks(), 4);
-    EXPECT_EQ(L->SparkCountdown, 4);
+    EXPECT_TRUE(CountSparks() == 4 && L->SparkCountdown == 4);
 }

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <span>
 
 namespace {
 
@@ -39,21 +40,16 @@ TEST_F(ObjectsTest, ItemRulesAndTheirMessages)
     SPACESHIP s;
     P_SHIPLEVEL level({}, Z, Y, X);
     s.shipLevel = 4;
-    EXPECT_TRUE(level.ApplyTo(&s));
-    EXPECT_FALSE(level.ApplyTo(&s));
-    EXPECT_EQ(s.shipLevel, 5);
+    EXPECT_TRUE(level.ApplyTo(&s) && !level.ApplyTo(&s) && s.shipLevel == 5);
     EXPECT_EQ(Last(s), "Már teljesen ki van fejlesztve a hajód.");
 
     P_LASERBOOST laser({}, Z, Y, X);
     s.shipLevel = 1;
     s.primaryWeapon = -1;
-    EXPECT_TRUE(laser.ApplyTo(&s));
-    EXPECT_EQ(s.primaryWeapon, 0);
-    EXPECT_TRUE(laser.ApplyTo(&s));
-    EXPECT_FALSE(laser.ApplyTo(&s)); // level 1 stops at shown level 2
+    EXPECT_TRUE(laser.ApplyTo(&s) && s.primaryWeapon == 0);
+    EXPECT_TRUE(laser.ApplyTo(&s) && !laser.ApplyTo(&s)); // level 1 stops at shown level 2
     EXPECT_EQ(Last(s), "1. színtű hajó csak 2. színtig fejlesztheti a lézert!");
-    s.primaryWeapon = 9;
-    s.shipLevel = 5;
+    s.primaryWeapon = 9, s.shipLevel = 5;
     EXPECT_FALSE(laser.ApplyTo(&s));
     EXPECT_EQ(Last(s), "Nem tudod felvenni a lézert: teljesen ki van már fejlesztve!");
     s.primaryWeapon = 12;
@@ -61,10 +57,8 @@ TEST_F(ObjectsTest, ItemRulesAndTheirMessages)
     EXPECT_EQ(Last(s), "Nem tudod felvenni a lézert: más fegyvered van már!");
 
     P_ENERGY energy({}, Z, Y, X);
-    s.shipLevel = 1;
-    s.energy = 199;
-    EXPECT_TRUE(energy.ApplyTo(&s));
-    EXPECT_EQ(s.energy, 214);
+    s.shipLevel = 1, s.energy = 199;
+    EXPECT_TRUE(energy.ApplyTo(&s) && s.energy == 214);
     s.energy = 200;
     EXPECT_FALSE(energy.ApplyTo(&s));
     EXPECT_EQ(Last(s), "A hajódnak a 1. szinten max. 200 energiája lehet.");
@@ -77,8 +71,7 @@ TEST_F(ObjectsTest, ItemRulesAndTheirMessages)
     s.tempestCount = 20;
     EXPECT_FALSE(tempest.ApplyTo(&s));
     EXPECT_EQ(Last(s), "Max 20 Tempest rakétád lehet.");
-    s.secondaryWeapon = 1;
-    s.tempestCount = 0;
+    s.secondaryWeapon = 1, s.tempestCount = 0;
     EXPECT_FALSE(tempest.ApplyTo(&s));
     EXPECT_EQ(Last(s), "Csak egyféle rakétád lehet egyszerre. Amid van, nem Tempest.");
 
@@ -86,8 +79,7 @@ TEST_F(ObjectsTest, ItemRulesAndTheirMessages)
     std::string before(&s.messages[0][0], sizeof s.messages);
     EXPECT_FALSE(tempest.ApplyTo(&s));
     EXPECT_EQ(std::string(&s.messages[0][0], sizeof s.messages), before);
-    PICKUP plain;
-    EXPECT_FALSE(plain.ApplyTo(&s));
+    EXPECT_FALSE(PICKUP().ApplyTo(&s));
 }
 
 TEST_F(ObjectsTest, ItemsInPlay)
@@ -107,47 +99,40 @@ TEST_F(ObjectsTest, ItemsInPlay)
     // a sound effect in a later slot, whose update in the same tick ends it
     // at once without a sound system.
     auto* ship = new SPACESHIP;
-    ship->position = {500, 500, 500};
-    ship->energy = 50;
+    ship->position = {500, 500, 500}, ship->energy = 50;
     L->AddThing(ship);
     item.Update();
-    EXPECT_TRUE(item.dead);
-    EXPECT_EQ(ship->energy, 65);
+    EXPECT_TRUE(item.dead && ship->energy == 65);
     L->GameTick(CAMERA());
-    EXPECT_EQ(Count<P_ENERGY>(), 0);
-    EXPECT_EQ(Count<SOUNDEFFECT>(), 0);
+    EXPECT_EQ(Count<P_ENERGY>() + Count<SOUNDEFFECT>(), 0);
 
     // Deleting an item in the editor leaves its sound effect too.
     L->AddThing(new P_SHIELD({0, 0, 0}, Z, Y, X));
     L->DeleteNearestThing({0, 0, 0});
-    EXPECT_EQ(Count<P_SHIELD>(), 0);
-    EXPECT_EQ(Count<SOUNDEFFECT>(), 1);
+    EXPECT_TRUE(Count<P_SHIELD>() == 0 && Count<SOUNDEFFECT>() == 1);
 }
 
 TEST_F(ObjectsTest, EffectsLiveTheirTicks)
 {
     auto* boom = new EXPLOSION(1.0f, 25.0f, {1, 2, 3});
     L->AddThing(boom);
-    for (int i = 0; i < 24; ++i)
-        boom->Update();
-    EXPECT_FALSE(boom->dead);
-    boom->Update();
-    EXPECT_TRUE(boom->dead);
-
     SPARK spark({}, 20, 2);
-    for (int i = 0; i < 9; ++i)
-        spark.Update();
-    EXPECT_FALSE(spark.dead);
-    spark.Update();
-    EXPECT_TRUE(spark.dead);
+    for (auto [effect, ticks] : {std::pair<THING*, int>{boom, 25}, {&spark, 10}})
+    {
+        for (int i = 0; i < ticks; ++i)
+        {
+            EXPECT_FALSE(effect->dead) << ticks;
+            effect->Update();
+        }
+        EXPECT_TRUE(effect->dead);
+    }
 
     EXPECT_EQ(LaserColour(2), VECTOR3D(1, 0.5f, 0));
     EXPECT_EQ(LaserColour(10), VECTOR3D(0.5f, 0, 1));
     for (int bad : {0, 11})
     {
         EXPECT_THROW(LaserColour(bad), FATALEXIT);
-        EXPECT_EQ(P().Messages.back().Text, "Invalid Laser shot level value!");
-        EXPECT_EQ(P().Messages.back().Caption, "FATAL!");
+        EXPECT_EQ(P().Messages.back().Caption + P().Messages.back().Text, "FATAL!Invalid Laser shot level value!");
     }
 }
 
@@ -161,28 +146,21 @@ TEST_F(ObjectsTest, ShotsFlyHitAndExplode)
 
     // Fired from inside its owner's box, the shot passes the owner.
     auto* shot = new LASERSHOT(false, {0, 0, 0});
-    shot->owner = owner;
-    shot->speed = 20;
-    shot->damage = 5;
+    shot->owner = owner, shot->speed = 20, shot->damage = 5;
     int slot = L->AddThing(shot);
     shot->Update();
-    EXPECT_FALSE(shot->dead);
-    EXPECT_EQ(shot->position, VECTOR3D(0, 0, 20));
-    EXPECT_EQ(owner->shield, 100);
+    EXPECT_TRUE(!shot->dead && shot->position == VECTOR3D(0, 0, 20) && owner->shield == 100);
     shot->Update();
     shot->Update();
-    EXPECT_TRUE(shot->dead);
-    EXPECT_EQ(victim->shield, 95);
+    EXPECT_TRUE(shot->dead && victim->shield == 95);
     delete L->Things[slot];
     L->Things[slot] = nullptr;
     EXPECT_EQ(Count<EXPLOSION>(), 1);
 
-    LASERSHOT wall(false, {});
+    LASERSHOT wall(false, {}), far(false, {});
     wall.hit = true;
     wall.Update();
-    EXPECT_TRUE(wall.dead);
-    EXPECT_EQ(wall.position, VECTOR3D());
-    LASERSHOT far(false, {});
+    EXPECT_TRUE(wall.dead && wall.position == VECTOR3D());
     far.position = {0, 10001, 0};
     far.Update();
     EXPECT_TRUE(far.dead);
@@ -192,49 +170,36 @@ TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
 {
     auto drop = [&](int tempests, int weapon, float energy) {
         auto* s = new SPACESHIP;
-        s->tempestCount = tempests;
-        s->primaryWeapon = weapon;
-        s->energy = energy;
+        s->tempestCount = tempests, s->primaryWeapon = weapon, s->energy = energy;
         L->AddThing(s);
         L->DeleteNearestThing({});
     };
     drop(0, -1, 14);
-    EXPECT_EQ(Count<P_TEMPEST>(), 1);
-    EXPECT_EQ(Count<P_LASERBOOST>(), 0);
-    EXPECT_EQ(Count<P_ENERGY>(), 0);
+    EXPECT_TRUE(Count<P_TEMPEST>() == 1 && Count<P_LASERBOOST>() + Count<P_ENERGY>() == 0);
     // The explosion comes first.
     auto* boom = dynamic_cast<EXPLOSION*>(*std::find_if(L->Things, L->Things + MAX_THINGS, [](THING* t) { return t; }));
     ASSERT_NE(boom, nullptr);
-    EXPECT_EQ(boom->growth, 10);
-    EXPECT_EQ(boom->maxSize, 300);
-    for (int i = 0; i < MAX_THINGS; ++i)
-    {
-        if (THING* t = L->Things[i]; t && t != boom)
-        {
-            EXPECT_LE(Length(t->position), 30.0f); // dropped around the ship
-        }
-    }
+    EXPECT_TRUE(boom->growth == 10 && boom->maxSize == 300);
+    for (THING* t : std::span(L->Things, MAX_THINGS))
+        EXPECT_TRUE(!t || t == boom || Length(t->position) <= 30.0f); // dropped around the ship
 
     L = std::make_unique<ORVLEVEL>();
     drop(10, 9, 150);
-    EXPECT_GE(Count<P_TEMPEST>(), 1);
-    EXPECT_GE(Count<P_LASERBOOST>(), 1);
+    EXPECT_TRUE(Count<P_TEMPEST>() >= 1 && Count<P_LASERBOOST>() >= 1);
 }
 
 TEST_F(ObjectsTest, ShipUpdates)
 {
     SPACESHIP s;
     s.Level = L.get();
-    s.playerControlled = 1;
-    s.segment = 0;
+    s.playerControlled = 1, s.segment = 0;
     L->Segments[0]->Type = 1; // recharger
-    s.energy = 99.95f;
-    s.shield = 250;
+    s.energy = 99.95f, s.shield = 250;
     std::strcpy(s.messages[5], "old");
     s.Update();
     EXPECT_NEAR(s.energy, 100.05f, 1e-4f);
-    EXPECT_EQ(s.shield, 200);
     EXPECT_NEAR(s.money, 5000.1f, 1e-3f);
+    EXPECT_EQ(s.shield, 200);
     s.Update();
     EXPECT_NEAR(s.energy, 100.05f, 1e-4f);
     for (int i = 0; i < 18; ++i)
@@ -253,27 +218,19 @@ TEST_F(ObjectsTest, ShipUpdates)
     SPACESHIP gunner;
     gunner.energy = 0.2f;
     gunner.FirePrimary(L.get());
-    EXPECT_EQ(gunner.primaryCooldown, 0);
-    EXPECT_EQ(Count<LASERSHOT>(), 0);
-    gunner.energy = 50;
-    gunner.primaryWeapon = 4;
+    EXPECT_TRUE(gunner.primaryCooldown == 0 && Count<LASERSHOT>() == 0);
+    gunner.energy = 50, gunner.primaryWeapon = 4;
     gunner.FirePrimary(L.get());
-    EXPECT_EQ(gunner.primaryCooldown, 20);
-    EXPECT_EQ(Count<LASERSHOT>(), 2);
+    EXPECT_TRUE(gunner.primaryCooldown == 20 && Count<LASERSHOT>() == 2);
     EXPECT_NEAR(gunner.energy, 50 - 2.1f, 1e-4f);
     auto* shot = FirstOf<LASERSHOT>(*L);
     ASSERT_NE(shot, nullptr);
-    EXPECT_EQ(shot->speed, 60);
-    EXPECT_EQ(shot->damage, 8);
-    EXPECT_EQ(shot->level, 5);
+    EXPECT_TRUE(shot->speed == 60 && shot->damage == 8 && shot->level == 5);
     EXPECT_EQ(shot->position, VECTOR3D(-15, 0, 15));
     bool side = gunner.launchSide;
     gunner.FireSecondary(L.get());
-    EXPECT_EQ(Count<TEMPEST>(), 1);
-    EXPECT_EQ(gunner.tempestCount, 9);
-    EXPECT_NE(gunner.launchSide, side);
-    gunner.primaryCooldown = 0;
-    gunner.primaryWeapon = 10;
+    EXPECT_TRUE(Count<TEMPEST>() == 1 && gunner.tempestCount == 9 && gunner.launchSide != side);
+    gunner.primaryCooldown = 0, gunner.primaryWeapon = 10;
     EXPECT_THROW(gunner.FirePrimary(L.get()), FATALEXIT);
     EXPECT_EQ(P().Messages.back().Text, "Invalid primary weapon!");
 }
@@ -282,14 +239,12 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
 {
     auto add = [&](VECTOR3D at, int team) {
         auto* s = new SPACESHIP;
-        s->position = at;
-        s->team = team;
-        s->skill = 0;
+        s->position = at, s->team = team, s->skill = 0;
         L->AddThing(s);
         return s;
     };
     SPACESHIP* a = add({-50, 0, 0}, 3);
-    SPACESHIP* b = add({50, 0, 0}, 3);
+    add({50, 0, 0}, 3);
     a->AcquireTarget();
     EXPECT_EQ(a->target, -1); // same team
     SPACESHIP* c = add({0, 50, 0}, 0);
@@ -301,13 +256,9 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     EXPECT_EQ(a->target, 2);
     c->AcquireTarget();
     EXPECT_EQ(c->target, 0); // team 0 attacks anyone
-    (void)b;
 
-    EXPECT_EQ(BarColour(0, 0.3f).r, 1);
-    EXPECT_EQ(BarColour(1, 0.3f).g, 1);
-    EXPECT_EQ(BarColour(1.25f, 0.3f).b, 0.5f);
-    EXPECT_EQ(BarColour(1.75f, 0.3f).g, 0.5f);
-    EXPECT_EQ(BarColour(2, 0.3f).b, 1);
+    EXPECT_TRUE(BarColour(0, 0.3f).r == 1 && BarColour(1, 0.3f).g == 1 && BarColour(1.25f, 0.3f).b == 0.5f);
+    EXPECT_TRUE(BarColour(1.75f, 0.3f).g == 0.5f && BarColour(2, 0.3f).b == 1);
     a->primaryWeapon = -1;
     EXPECT_STREQ(a->PrimaryWeaponName(), "-");
     a->primaryWeapon = 2;
@@ -320,15 +271,13 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     L->Segments[0]->Type = 3;
     a->OpenShop();
     a->ShopSelect(0);
-    EXPECT_EQ(a->shopState, 1);
-    EXPECT_EQ(a->LaserPrice(), 3000);
+    EXPECT_TRUE(a->shopState == 1 && a->LaserPrice() == 3000);
     a->money = 2999;
     a->ShopSelect(0);
     EXPECT_EQ(Count<P_LASERBOOST>(), 0);
     a->money = 3000;
     a->ShopSelect(0);
-    EXPECT_EQ(Count<P_LASERBOOST>(), 1);
-    EXPECT_EQ(a->money, 0);
+    EXPECT_TRUE(Count<P_LASERBOOST>() == 1 && a->money == 0);
     L->Segments[0]->Type = 0;
     a->DrawCockpit();
     EXPECT_EQ(a->shopState, -1);
@@ -340,35 +289,25 @@ TEST_F(ObjectsTest, StoredExtremesKeepTheTickDefined)
 {
     SPACESHIP s;
     s.Level = L.get();
-    s.shipLevel = -211296062;
-    s.messageTicks = INT32_MIN;
-    s.strafeTicks = INT32_MIN;
-    s.shield = 1.0e30f;
+    s.shipLevel = -211296062, s.messageTicks = s.strafeTicks = INT32_MIN, s.shield = 1.0e30f;
     s.Update();
     EXPECT_EQ(s.messageTicks, INT32_MAX);
     EXPECT_EQ(s.shield, float(ShipLevelLimit(-211296062)));
-    s.dying = true;
-    s.dyingTicks = INT32_MIN;
+    s.dying = true, s.dyingTicks = INT32_MIN;
     s.Update();
     EXPECT_EQ(s.dyingTicks, INT32_MAX);
 
     s.primaryWeapon = 3;
     s.shipLevel = -2063594752; // twice that wraps to 167777792
-    P_LASERBOOST boost(VECTOR3D(0, 0, 0), Z, Y, X);
-    EXPECT_TRUE(boost.ApplyTo(&s));
-    EXPECT_EQ(s.primaryWeapon, 4);
+    EXPECT_TRUE(P_LASERBOOST(VECTOR3D(0, 0, 0), Z, Y, X).ApplyTo(&s) && s.primaryWeapon == 4);
 
     P_ENERGY item(VECTOR3D(0, 0, 0), Z, Y, X);
-    item.Level = L.get();
-    item.solidTicks = INT32_MIN;
+    item.Level = L.get(), item.solidTicks = INT32_MIN;
     item.Update();
     EXPECT_EQ(item.solidTicks, INT32_MAX);
 
     // A spark can be any size: the offset stays in its ball, or is none.
     for (float r : {1.6e29f, 3.0e38f})
-    {
-        VECTOR3D v = THING::RandomOffset(r);
-        EXPECT_LE(Length(v * (1.0f / r)), 1.0f);
-    }
+        EXPECT_LE(Length(THING::RandomOffset(r) * (1.0f / r)), 1.0f);
     EXPECT_EQ(THING::RandomOffset(-1.0f), VECTOR3D(0, 0, 0));
 }
