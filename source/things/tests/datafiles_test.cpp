@@ -45,7 +45,7 @@ TEST_F(PlatformTest, EveryGeneratedDataFileLoads)
             continue;
         ++files;
     }
-    EXPECT_EQ(files, 3 + 7 + 4); // bitmaps, meshes, sounds
+    EXPECT_EQ(files, 3 + 7 + 5); // bitmaps, meshes, sounds and the beep
     EXPECT_TRUE(P().Messages.empty());
     EXPECT_EQ(P().Beeps, 0);
 
