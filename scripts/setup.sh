@@ -8,10 +8,12 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   qt6-base-dev libqt6opengl6-dev
   libgl-dev libgl1-mesa-dev libglu1-mesa-dev libgl1-mesa-dri
-  libegl-dev libegl-mesa0 libpng-dev
+  libegl-dev libegl-mesa0 libpng-dev zlib1g-dev
   libfreetype-dev fonts-dejavu-core
   libopenal-dev libopenal1
+  qt6-translations-l10n
   xvfb xauth xdotool
+  dpkg-dev file appstream
   clang libclang-rt-14-dev llvm
 )
 

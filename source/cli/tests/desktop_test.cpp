@@ -124,4 +124,40 @@ TEST_F(DesktopTest, EveryCommandFailsWithoutItsDataFiles)
     EXPECT_GE(commands, 9);
 }
 
+// The package holds everything a desktop asks for, and its programs find its
+// data from any folder.
+TEST_F(DesktopTest, DebianPackageRunsFromAnyFolder)
+{
+    if (!fs::exists("/usr/bin/dpkg-deb"))
+        GTEST_SKIP() << "dpkg-deb is not installed";
+    MakeLevels();
+    RUN r = RunIn(ORV_CPACK, ORV_BUILD_DIR, {"-G", "DEB", "-B", Path("pkg")});
+    ASSERT_EQ(r.Status, 0) << r.Out << r.Err;
+    std::string deb;
+    for (const fs::directory_entry& e : fs::directory_iterator(In("pkg")))
+        if (e.path().extension() == ".deb")
+            deb = e.path().string();
+    ASSERT_NE(deb, "");
+
+    r = RunIn("/usr/bin/dpkg-deb", Dir, {"-f", deb, "Depends"});
+    for (const char* needed : {"libc6", "libopenal1", "qt6-translations-l10n"})
+        EXPECT_NE(r.Out.find(needed), std::string::npos) << r.Out;
+    ASSERT_EQ(RunIn("/usr/bin/dpkg-deb", Dir, {"-x", deb, Path("root")}).Status, 0);
+    const fs::path usr = Dir / "root" / fs::path(ORV_INSTALL_PREFIX).relative_path();
+    std::vector<std::string> files = {"bin/orvane-cli", "share/orvane-builder/WallTex.bmp",
+                                      "share/man/man1/orvane-cli.1.gz"};
+    if (ORV_WITH_EDITOR)
+        files.insert(files.end(), {"bin/orvane-builder", "share/man/man1/orvane-builder.1.gz",
+                                   "share/applications/hu.orvane.builder.desktop",
+                                   "share/metainfo/hu.orvane.builder.metainfo.xml",
+                                   "share/icons/hicolor/scalable/apps/orvane-builder.svg",
+                                   "share/icons/hicolor/48x48/apps/orvane-builder.png"});
+    for (const std::string& f : files)
+        EXPECT_TRUE(fs::is_regular_file(usr / f)) << f;
+
+    r = RunIn(usr / "bin/orvane-cli", Dir / "elsewhere", {"dump", Path("ship.ORVLevel")},
+              {{"XDG_DATA_DIRS", Path("none")}});
+    EXPECT_EQ(r.Status, 0) << r.Err;
+}
+
 } // namespace

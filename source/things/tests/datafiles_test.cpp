@@ -43,7 +43,7 @@ TEST_F(PlatformTest, EveryGeneratedDataFileLoads)
             continue;
         ++files;
     }
-    EXPECT_EQ(files, 3 + 7 + 4); // bitmaps, meshes, sounds
+    EXPECT_EQ(files, 3 + 7 + 5); // bitmaps, meshes, sounds and the beep
     EXPECT_TRUE(P().Messages.empty() && P().Beeps == 0);
 
     // Every triangle has a coloured surface, and faces turn the way the
