@@ -55,6 +55,15 @@ const ITEM Design[] = {
     {"Felvehető cuccok", POPUP}, {"+15 Energiabónusz", 11878}, {"1 db Tempest rakéta", 11879},
     {"+15 Pajzsbónusz", 11877}, {"Lézer", 11880}, {"Hajószint emelő", 11881}, {"", END}, {"", SEP},
     {"Legközelebbi cucc törlése", 11876}, {"", END},
+    {"Blokk", POPUP}, {"Szegmens jelölése\tCtrl+Shift+M", 12000}, {"Minden szegmens jelölése", 12001},
+    {"Jelölések törlése\tCtrl+Shift+U", 12002}, {"", SEP}, {"Blokk másolása\tCtrl+Shift+K", 12003},
+    {"Blokk beillesztése\tCtrl+Shift+V", 12004}, {"Blokk törlése\tCtrl+Shift+Del", 12005}, {"", SEP},
+    {"Blokk Z+\tCtrl+Shift+W", 12010}, {"Blokk Z-\tCtrl+Shift+S", 12011}, {"Blokk X+\tCtrl+Shift+D", 12006},
+    {"Blokk X-\tCtrl+Shift+A", 12007}, {"Blokk Y+\tCtrl+Shift+E", 12008}, {"Blokk Y-\tCtrl+Shift+C", 12009}, {"", SEP},
+    {"Forgatás az X tengely körül\tCtrl+Shift+X", 12012}, {"Forgatás az Y tengely körül\tCtrl+Shift+Y", 12013},
+    {"Forgatás a Z tengely körül\tCtrl+Shift+Z", 12014}, {"Tükrözés X irányban", 12015}, {"Tükrözés Y irányban", 12016},
+    {"Tükrözés Z irányban", 12017}, {"", SEP}, {"Textúra szétterítése\tCtrl+Shift+F", 12018}, {"", SEP},
+    {"Blokk mentése...", 12019}, {"Blokk betöltése...", 12020}, {"", END},
     {"&Súgó", POPUP}, {"&Help Topics", 11848, false}, {"", SEP}, {"&About", 11849, false}, {"", END},
 };
 
@@ -151,7 +160,7 @@ TEST_F(WindowTest, MenuAndAcceleratorsAreTheDesignedOnes)
     for (const ITEM& i : Design)
         if (i.Id > 0 && QString(i.Text).contains('\t'))
             keys[i.Id] = QString(i.Text).section('\t', 1);
-    EXPECT_EQ(keys.size(), 27u); // 25, plus undo and redo
+    EXPECT_EQ(keys.size(), 42u); // 25, plus undo, redo and 15 of the block menu
     for (auto [id, key] : keys)
         EXPECT_EQ(W->Action(id)->shortcut(), QKeySequence(key, QKeySequence::PortableText)) << id;
     for (const ITEM& i : Design)
