@@ -5,6 +5,7 @@
 // With --save-full-level FILE it saves the full-size level and stops.
 // With --verify it runs no benchmark but checks that each operation and its
 // literal version agree, and exits non-zero if any does not.
+#include "blocks.h"
 #include "fulllevel.h"
 #include "editor/history.h"
 #include "orvlevel/levelcheck.h"
@@ -468,6 +469,7 @@ int main(int argc, char** argv)
     add("CopyBytes/fread", CopyBytes, COPY_FREAD);
     RegisterRenderBenchmarks();
     RegisterPlayBenchmarks();
+    RegisterBlockBenchmarks();
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

@@ -33,7 +33,7 @@ std::string Confined(std::string_view text, const std::string& scratch)
         std::string_view line = text.substr(pos, end - pos);
         pos = end + 1;
         std::string_view first = FirstToken(line);
-        if (first == "load" || first == "save" || first == "dump")
+        if (first == "load" || first == "save" || first == "dump" || first == "loadblock" || first == "saveblock")
             out.append(first).append(" ").append(scratch);
         else
             out.append(line);

@@ -3,6 +3,7 @@
 #include "app/checkdialog.h"
 #include "app/dialogs.h"
 #include "app/filedialogs.h"
+#include "editor/blocks.h"
 #include "app/playmode.h"
 #include "graphics/drawing.h"
 #include "graphics/texture.h"
@@ -25,6 +26,7 @@ namespace {
 const char* const LEVEL_EXT = "ORVLevel";
 const char* const LEVEL_FILTER = "Orvane Battle pályák";
 const char* const TITLE = "Orvane Builder";
+const char* const BLOCK_FILTER = "Orvane Battle blokkok";
 
 // The set-1 scan code of a key event: X11 and Wayland report the evdev code
 // plus 8; elsewhere the Qt key stands in, the grey keys as their keypad twins.
@@ -155,7 +157,9 @@ void ORVEVIEW::keyReleaseEvent(QKeyEvent* e)
 void ORVEVIEW::mousePressEvent(QMouseEvent* e)
 {
     const QPointF p = e->position() * devicePixelRatioF();
-    if (e->button() == Qt::LeftButton)
+    if (e->button() == Qt::LeftButton && (e->modifiers() & Qt::ShiftModifier))
+        Window.MarkClick(int(p.x()), int(p.y()));
+    else if (e->button() == Qt::LeftButton)
         Window.LeftClick(int(p.x()), int(p.y()));
     else if (e->button() == Qt::RightButton)
         Window.SetMouseLook(true);
@@ -229,6 +233,7 @@ void ORVEWINDOW::ViewReady()
     Doc = std::make_unique<ORVEDOCUMENT>();
     InvalidateDisplayList(Doc->Level());
     BuildMenu(LoadMenuResource());
+    ViewWidget->Render()->Marked = Doc->Marks.Flags();
     EditorPtr = std::make_unique<ORVEDITOR>(*Doc, ViewWidget->Render()->Camera);
     EditorPtr->JoinDialog = [this] {
         DIALOGHOST host = Host();
@@ -340,7 +345,8 @@ void ORVEWINDOW::AddItems(QMenu* menu, const std::vector<MENUITEM>& items)
 bool ORVEWINDOW::Handles(int id)
 {
     return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || id == CM_UNDO || id == CM_REDO ||
-           id == CM_CHECKLEVEL || IsDialogCommand(id) || ORVEDITOR::HasCommand(id) || IsPlayCommand(id);
+           id == CM_CHECKLEVEL || id == CM_SAVEBLOCK || id == CM_LOADBLOCK || IsDialogCommand(id) ||
+           ORVEDITOR::HasCommand(id) || IsPlayCommand(id);
 }
 
 bool ORVEWINDOW::Command(int id)
@@ -367,6 +373,14 @@ bool ORVEWINDOW::Command(int id)
             InfoBeep();
         break;
     case CM_CHECKLEVEL: RunCheckDialog(Doc->Level(), this); break;
+    case CM_SAVEBLOCK:
+        if (std::string path = SaveFileDialog(LEVEL_EXT, BLOCK_FILTER); !path.empty())
+            BlockSave(*EditorPtr, path);
+        break;
+    case CM_LOADBLOCK:
+        if (std::string path = OpenFileDialog(LEVEL_EXT, BLOCK_FILTER); !path.empty())
+            BlockLoad(*EditorPtr, path);
+        break;
     default:
         if (IsDialogCommand(id))
             RunDialog(id);
@@ -426,6 +440,16 @@ void ORVEWINDOW::LeftClick(int x, int y)
     EditorPtr->LeftClick(x, y);
     Doc->History.Checkpoint(); // a join or a fit is a step; a pick is not
     SyncMenu();
+    Wake();
+}
+
+void ORVEWINDOW::MarkClick(int x, int y)
+{
+    if (!EditorPtr)
+        return;
+    EditorPtr->ClientWidth = ViewWidget->PixelWidth();
+    EditorPtr->ClientHeight = ViewWidget->PixelHeight();
+    BlockMarkClicked(*EditorPtr, x, y);
     Wake();
 }
 
@@ -493,6 +517,7 @@ ORVEWINDOW::FRAMEKEY ORVEWINDOW::CurrentKey()
     const ORVLEVEL& level = Doc->Level();
     const CAMERA& cam = ViewWidget->Render()->Camera;
     k.Revision = level.Revision;
+    k.Marks = Doc->Marks.Version();
     k.Segment = level.CurrentSegment;
     k.Side = level.CurrentSide;
     k.Point = level.CurrentPoint;

@@ -75,6 +75,8 @@ public:
     // not one this window handles (disabled items).
     bool Command(int id);
     void LeftClick(int x, int y);
+    // Shift + left click: marks or unmarks the segment under the cursor.
+    void MarkClick(int x, int y);
     void KeyEvent(QKeyEvent* e, bool down);
     void SetMouseLook(bool on);
     // One pass of the frame loop: the view's Update, then the frame driver's.
@@ -140,7 +142,7 @@ private:
     // What the last drawn frame showed, to tell whether another could differ.
     struct FRAMEKEY
     {
-        uint64_t Revision = 0;
+        uint64_t Revision = 0, Marks = 0;
         int32_t Segment = 0, Side = 0, Point = 0;
         VECTOR3D Position, ViewDir, Up;
         int Width = 0, Height = 0;

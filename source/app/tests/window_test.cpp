@@ -99,7 +99,7 @@ TEST_F(WindowTest, MenuItemsHaveTheAcceleratorsTheyShow)
         checkable += a->isCheckable();
         EXPECT_EQ(a->shortcut(), QKeySequence(key, QKeySequence::PortableText)) << a->text().toStdString();
     }
-    EXPECT_EQ(shown, 27); // 25, plus undo and redo
+    EXPECT_EQ(shown, 44); // 25, plus undo, redo, 15 of the block menu and the two play-tests
     EXPECT_EQ(checkable, 2);
     EXPECT_TRUE(W->Action(11858)->isCheckable() && W->Action(11882)->isCheckable());
     EXPECT_FALSE(W->Action(11842)->isEnabled() || W->Action(11846)->isEnabled() || W->Action(11883)->isEnabled());

@@ -13,6 +13,7 @@
 #include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <functional>
@@ -64,6 +65,31 @@ int Floor(const ORVLEVEL& L, int32_t s)
             return i;
     }
     return -1;
+}
+
+// The door's panel as it is drawn: its corners, the sliding ones moved by its
+// opening, mirrored across `axis` about `centre` when asked.
+std::vector<std::array<float, 3>> Panel(ORVLEVEL& L, int axis = -1, float centre = 0)
+{
+    std::vector<std::array<float, 3>> panel;
+    for (int32_t s = 0; s < L.SegmentsEnd(); ++s)
+        for (int i = 0; L.Segments[s] && i < 6; ++i)
+            if (L.Segments[s]->Sides[i].WallType == WALL_DOOR)
+            {
+                const int e = L.DoorSlideEdge(s, i);
+                const VECTOR3D offset = L.DoorOffset(s, i);
+                const VECTOR3D* c = L.GetSideCorners(s, i);
+                for (int k = 0; k < 4; ++k)
+                {
+                    VECTOR3D p = c[k] + (k == (e + 1) % 4 || k == (e + 2) % 4 ? offset : VECTOR3D());
+                    std::array<float, 3> v{p.x, p.y, p.z};
+                    if (axis >= 0)
+                        v[size_t(axis)] = 2 * centre - v[size_t(axis)];
+                    panel.push_back(v);
+                }
+            }
+    std::sort(panel.begin(), panel.end());
+    return panel;
 }
 
 class BlocksTest : public PlatformTest
@@ -171,6 +197,9 @@ TEST_F(BlocksTest, EachOperationKeepsTheLevelSoundAndIsOneUndoStep)
         Editor.Clipboard = {};
         row.Prepare(*this);
         const std::vector<uint8_t> before = L.Serialize();
+        // The whole level is mirrored about x = 100 (it spans -100 ... 300), y = 100 and z = 0.
+        const int mirrored = row.Name.starts_with("mirror ") ? row.Name.back() - 'x' : -1;
+        const auto panel = Panel(L, mirrored, mirrored == 2 ? 0 : 100);
         Doc.History.Reset();
         Doc.History.Begin();
         EXPECT_EQ(row.Act(*this), row.Done);
@@ -180,6 +209,8 @@ TEST_F(BlocksTest, EachOperationKeepsTheLevelSoundAndIsOneUndoStep)
         EXPECT_EQ(Filled(L.Lights, MAX_LIGHTS), row.Lights);
         EXPECT_EQ(Filled(L.Things, MAX_THINGS), row.Things);
         ExpectSound(L);
+        if (mirrored >= 0)
+            EXPECT_EQ(Panel(L), panel);
         EXPECT_EQ(CheckLevel(L).size(), problems) << (CheckLevel(L).empty() ? "" : CheckLevel(L).back().Text);
         if (!row.Done)
         {

@@ -1,0 +1,58 @@
+// The block commands in the window: Shift + click marks without selecting,
+// the accelerators copy and paste as one undo step each, and the menu's file
+// dialogs save and load block files.
+#include "app/filedialogs.h"
+#include "app/mainwindow.h"
+#include "platform/tests/testplatform.h"
+
+#include <QApplication>
+#include <QTest>
+
+#include <cstdlib>
+#include <filesystem>
+
+TEST(BlockWindowTest, ShiftClickAcceleratorsAndBlockFiles)
+{
+    TestPlatform().Reset();
+    TEMPDIR dir;
+    setenv("ORV_RECOVERY_DIR", (dir.Path / "recovery").c_str(), 1);
+    ORVEWINDOW w;
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    for (int i = 0; i < 200 && !w.Document(); ++i)
+        QTest::qWait(10);
+    ASSERT_NE(w.Document(), nullptr);
+    ORVLEVEL& L = w.Document()->Level();
+    const ORVEMARKS& marks = w.Document()->Marks;
+    const QPoint centre(w.View()->width() / 2, w.View()->height() / 2);
+
+    QTest::mouseClick(w.View(), Qt::LeftButton, Qt::ShiftModifier, centre);
+    EXPECT_TRUE(marks.Has(0));
+    EXPECT_EQ(L.CurrentSegment, -1);
+    QTest::mouseClick(w.View(), Qt::LeftButton, {}, centre); // selects side 2 of the cube
+    ASSERT_EQ(L.CurrentSegment, 0);
+    QTest::keyClick(w.View(), Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+    L.CurrentSide = 0;
+    QTest::keyClick(w.View(), Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_NE(L.Segments[1], nullptr);
+    EXPECT_TRUE(marks.Has(1) && !marks.Has(0));
+    QTest::keyClick(w.View(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(L.Segments[1], nullptr);
+    EXPECT_EQ(marks.Count(), 0);
+
+    const std::string file = (dir.Path / "cube.ORVLevel").string();
+    FileDialogAnswer = [&](bool, const std::string&, const std::string& description) {
+        EXPECT_EQ(description, "Orvane Battle blokkok");
+        return file;
+    };
+    QTest::mouseClick(w.View(), Qt::LeftButton, Qt::ShiftModifier, centre);
+    L.CurrentSide = 2;
+    EXPECT_TRUE(w.Command(CM_SAVEBLOCK));
+    EXPECT_TRUE(std::filesystem::exists(file));
+    w.Editor()->Clipboard = {};
+    EXPECT_TRUE(w.Command(CM_LOADBLOCK));
+    EXPECT_EQ(w.Editor()->Clipboard.Segments.size(), 1u);
+    FileDialogAnswer = nullptr;
+    EXPECT_EQ(TestPlatform().Beeps, 0);
+    w.Recovery()->Remove();
+}
