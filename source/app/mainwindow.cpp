@@ -172,6 +172,8 @@ void ORVEVIEW::focusOutEvent(QFocusEvent* e)
     // Keys released while another window has the focus never reach us.
     if (KERNEL* k = Window.Kernel())
         std::fill(std::begin(k->MoveKeys), std::end(k->MoveKeys), false);
+    if (PLAYSESSION* play = Window.Play())
+        std::fill(std::begin(play->Held), std::end(play->Held), false);
     QOpenGLWidget::focusOutEvent(e);
 }
 

@@ -7,6 +7,7 @@
 #include "app/playmode.h"
 
 #include "platform/platform.h"
+#include "render/glthings.h"
 #include "render/view.h"
 #include "things/spaceship.h"
 
@@ -75,6 +76,8 @@ void ORVEWINDOW::EndPlay()
     view.Level = nullptr;
     view.Eye = nullptr;
     view.Viewer = nullptr;
+    if (DrawingView.Camera == &PlayPtr->Eye)
+        DrawingView = FRAMEVIEW();
     KernelPtr->Steer = nullptr;
     std::fill(std::begin(KernelPtr->MoveKeys), std::end(KernelPtr->MoveKeys), false);
     PlayPtr.reset();
