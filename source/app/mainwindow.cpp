@@ -565,7 +565,9 @@ void ORVEWINDOW::ScheduleNextStep()
     };
     const ORVERENDER& view = *ViewWidget->Render();
     int delay = -1;
-    if (KernelPtr->Moving())
+    if (PlayPtr)
+        delay = until(KernelPtr->FrameTimer); // a tick every 40 ms
+    else if (KernelPtr->Moving())
         delay = std::min(until(KernelPtr->FrameTimer), until(*view.FrameTimer));
     else if (!AnyFrameDrawn || !(CurrentKey() == DrawnKey))
         delay = until(*view.FrameTimer);

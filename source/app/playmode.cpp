@@ -147,7 +147,5 @@ void ORVEWINDOW::PlayStep()
         EndPlay();
         return;
     }
-    const uint32_t now = GetTickCount32();
-    const TIMER& t = KernelPtr->FrameTimer;
-    StepTimer.start(std::max(int32_t(t.Start + t.Interval + 1 - now), 0));
+    ScheduleNextStep();
 }
