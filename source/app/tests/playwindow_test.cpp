@@ -82,6 +82,9 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
     Key(57, false, Qt::Key_Space);
     EXPECT_EQ(ship.position, camera.Position + camera.ViewDir * 10.0f);
     EXPECT_LT(ship.energy, 100.0f);
+    const bool side = ship.launchSide;
+    QTest::keyClick(W->View(), Qt::Key_M);
+    EXPECT_NE(ship.launchSide, side);
     QTest::keyClick(W->View(), Qt::Key_S, Qt::AltModifier); // an accelerator: resting
     EXPECT_EQ(edited.Segments[1], nullptr);
 
