@@ -176,6 +176,8 @@ void ORVEVIEW::focusOutEvent(QFocusEvent* e)
     // Keys released while another window has the focus never reach us.
     if (KERNEL* k = Window.Kernel())
         std::fill(std::begin(k->MoveKeys), std::end(k->MoveKeys), false);
+    if (PLAYSESSION* play = Window.Play())
+        std::fill(std::begin(play->Held), std::end(play->Held), false);
     QOpenGLWidget::focusOutEvent(e);
 }
 
@@ -588,7 +590,9 @@ void ORVEWINDOW::ScheduleNextStep()
     };
     const ORVERENDER& view = *ViewWidget->Render();
     int delay = -1;
-    if (KernelPtr->Moving())
+    if (PlayPtr)
+        delay = until(KernelPtr->FrameTimer); // a tick every 40 ms
+    else if (KernelPtr->Moving())
         delay = std::min(until(KernelPtr->FrameTimer), until(*view.FrameTimer));
     else if (!AnyFrameDrawn || !(CurrentKey() == DrawnKey))
         delay = until(*view.FrameTimer);

@@ -7,6 +7,7 @@
 #include "app/playmode.h"
 
 #include "platform/platform.h"
+#include "render/glthings.h"
 #include "render/view.h"
 #include "things/spaceship.h"
 
@@ -75,6 +76,8 @@ void ORVEWINDOW::EndPlay()
     view.Level = nullptr;
     view.Eye = nullptr;
     view.Viewer = nullptr;
+    if (DrawingView.Camera == &PlayPtr->Eye)
+        DrawingView = FRAMEVIEW();
     KernelPtr->Steer = nullptr;
     std::fill(std::begin(KernelPtr->MoveKeys), std::end(KernelPtr->MoveKeys), false);
     PlayPtr.reset();
@@ -144,7 +147,5 @@ void ORVEWINDOW::PlayStep()
         EndPlay();
         return;
     }
-    const uint32_t now = GetTickCount32();
-    const TIMER& t = KernelPtr->FrameTimer;
-    StepTimer.start(std::max(int32_t(t.Start + t.Interval + 1 - now), 0));
+    ScheduleNextStep();
 }

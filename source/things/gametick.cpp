@@ -17,12 +17,18 @@ THING* ORVLEVEL::FindTouchingThing(const THING* t, VECTOR3D oldPosition, THING* 
 {
     if (!t || !Things)
         return nullptr;
+    // Every shot in flight searches the table each tick: the searcher's
+    // reach is taken once, and each other object's rules it out before the
+    // exact test.
+    const THINGREACH reach = ThingReach(*t, oldPosition);
     for (int i = 0; i < MAX_THINGS; ++i)
     {
         THING* other = Things[i];
         if (!other || other->ghost)
             continue;
         if (excluded && count > 0 && std::find(excluded, excluded + count, other) != excluded + count)
+            continue;
+        if (ReachesApart(reach, ThingReach(*other, other->oldPosition)))
             continue;
         // Only the searching object's previous place is the caller's (a shot
         // passes the point of its last update); the other object's path runs
@@ -42,14 +48,20 @@ void ORVLEVEL::PhysicsStep()
     for (int i = 0; i < MAX_THINGS; ++i)
     {
         THING* a = Things[i];
-        if (!a || a->dead)
+        // A ghost meets nothing: most objects in flight are ghosts.
+        if (!a || a->dead || a->ghost)
             continue;
+        // A's reach rules most pairs out before the exact test; a push moves
+        // A, and its reach with it.
+        THINGREACH reach = ThingReach(*a, a->oldPosition);
         // j starts at i: ThingsCollide rejects an object against itself. B may
         // be dead; only A is required to be alive.
         for (int j = i; j < MAX_THINGS; ++j)
         {
             THING* b = Things[j];
-            if (!b || a->ghost || b->ghost)
+            if (!b || b->ghost)
+                continue;
+            if (ReachesApart(reach, ThingReach(*b, b->oldPosition)))
                 continue;
             if (!ThingsCollide(a, a->oldPosition, b, b->oldPosition))
                 continue;
@@ -62,6 +74,7 @@ void ORVLEVEL::PhysicsStep()
                 // Both move by A's distance, whatever B's own is.
                 a->position += d * a->pushDistance;
                 b->position -= d * a->pushDistance;
+                reach = ThingReach(*a, a->oldPosition);
             }
         }
     }

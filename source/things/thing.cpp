@@ -233,10 +233,7 @@ namespace {
 
 // An axis-aligned box around an object's box and the path of its centre since
 // oldPosition, padded so that the exact tests' tolerances stay inside it.
-struct REACH
-{
-    float Low[3], High[3];
-};
+using REACH = THINGREACH;
 
 REACH ReachOf(const THINGBOX& box, VECTOR3D start)
 {
@@ -268,6 +265,17 @@ bool Apart(const REACH& a, const REACH& b)
 }
 
 } // namespace
+
+THINGREACH ThingReach(const THING& t, VECTOR3D old)
+{
+    const THINGBOX box = t.GetBox();
+    return ReachOf(box, box.Centre - t.position + old);
+}
+
+bool ReachesApart(const THINGREACH& a, const THINGREACH& b)
+{
+    return Apart(a, b);
+}
 
 bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB)
 {

@@ -120,5 +120,15 @@ public:
 bool PointInBox(VECTOR3D p, VECTOR3D centre, VECTOR3D h1, VECTOR3D h2, VECTOR3D h3);
 bool SegmentCrossesBox(VECTOR3D p0, VECTOR3D p1, VECTOR3D centre, VECTOR3D h1, VECTOR3D h2, VECTOR3D h3);
 bool BoxesOverlap(const THINGBOX& a, const THINGBOX& b);
+// The axis-aligned room an object's box takes on its path from `old` (plus a
+// rounding margin). Objects whose reaches are apart never collide, so a
+// search can rule pairs out with one reach per object.
+struct THINGREACH
+{
+    float Low[3], High[3];
+};
+THINGREACH ThingReach(const THING& t, VECTOR3D old);
+// Also true when either holds an undefined coordinate.
+bool ReachesApart(const THINGREACH& a, const THINGREACH& b);
 // Object against object; oldA is the position A came from.
 bool ThingsCollide(const THING* a, VECTOR3D oldA, const THING* b, VECTOR3D oldB);

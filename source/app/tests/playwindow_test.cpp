@@ -7,6 +7,7 @@
 #include "things/spaceship.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QTest>
@@ -81,8 +82,22 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
     Key(57, false, Qt::Key_Space);
     EXPECT_EQ(ship.position, camera.Position + camera.ViewDir * 10.0f);
     EXPECT_LT(ship.energy, 100.0f);
+    const bool side = ship.launchSide;
+    QTest::keyClick(W->View(), Qt::Key_M);
+    EXPECT_NE(ship.launchSide, side);
     QTest::keyClick(W->View(), Qt::Key_S, Qt::AltModifier); // an accelerator: resting
     EXPECT_EQ(edited.Segments[1], nullptr);
+
+    // Mouse look: 100 px right of the centre turns the ship right by 0.1.
+    const QPoint centre(W->View()->width() / 2, W->View()->height() / 2);
+    CAMERA turned = camera;
+    turned.Move(CAM_TURNRIGHT, 0.1f);
+    QTest::mousePress(W->View(), Qt::RightButton, {}, centre);
+    QCursor::setPos(W->View()->mapToGlobal(centre + QPoint(100, 0)));
+    Step();
+    QTest::mouseRelease(W->View(), Qt::RightButton, {}, centre);
+    EXPECT_EQ(ship.axisX, turned.ViewDir);
+    EXPECT_EQ(W->Camera()->ViewDir, camera.ViewDir);
 
     // The cockpit's shield bar, left of the centre and below it.
     const QImage frame = W->View()->grabFramebuffer();
