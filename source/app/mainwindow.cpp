@@ -1,8 +1,8 @@
 #include "app/mainwindow.h"
 
-#include "app/checkdialog.h"
 #include "app/dialogs.h"
 #include "app/filedialogs.h"
+#include "app/panels.h"
 #include "graphics/drawing.h"
 #include "graphics/texture.h"
 #include "platform/platform.h"
@@ -218,6 +218,7 @@ void ORVEWINDOW::ViewReady()
     Doc = std::make_unique<ORVEDOCUMENT>();
     InvalidateDisplayList(Doc->Level());
     BuildMenu(LoadMenuResource());
+    CreatePanels();
     EditorPtr = std::make_unique<ORVEDITOR>(*Doc, ViewWidget->Render()->Camera);
     EditorPtr->JoinDialog = [this] {
         DIALOGHOST host = Host();
@@ -288,6 +289,9 @@ void ORVEWINDOW::closeEvent(QCloseEvent* e)
 {
     if (RecoveryPtr)
         RecoveryPtr->Close();
+    if (Cameras)
+        Cameras->Leaving();
+    SavePanels();
     QMainWindow::closeEvent(e);
 }
 
@@ -329,7 +333,7 @@ void ORVEWINDOW::AddItems(QMenu* menu, const std::vector<MENUITEM>& items)
 bool ORVEWINDOW::Handles(int id)
 {
     return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || id == CM_UNDO || id == CM_REDO ||
-           id == CM_CHECKLEVEL || IsDialogCommand(id) || ORVEDITOR::HasCommand(id);
+           id == CM_CHECKLEVEL || id == CM_OBJECTLIST || IsDialogCommand(id) || ORVEDITOR::HasCommand(id);
 }
 
 bool ORVEWINDOW::Command(int id)
@@ -353,7 +357,8 @@ bool ORVEWINDOW::Command(int id)
         if (!history.Redo())
             InfoBeep();
         break;
-    case CM_CHECKLEVEL: RunCheckDialog(Doc->Level(), this); break;
+    case CM_CHECKLEVEL: ShowPanel(CheckDock); break;
+    case CM_OBJECTLIST: ShowPanel(ObjectDock); break;
     default:
         if (IsDialogCommand(id))
             RunDialog(id);
@@ -445,8 +450,10 @@ void ORVEWINDOW::OpenFile(const std::string& path)
 {
     if (path.empty())
         return;
+    Cameras->Leaving();
     if (!Doc->Open(path))
         return; // the level said why; nothing changed
+    Cameras->Arrived();
     RecoveryPtr->Remove();
     InvalidateDisplayList(Doc->Level());
     UpdateTitle(path);

@@ -47,7 +47,7 @@ const ITEM Design[] = {
     {"Textúrák\tCtrl+T", 11859}, {"Textúra alkalmazása\tT", 11860}, {"Textúra beállítás\tAlt+T", 11862},
     {"Textúrakoordináták számolása\tShift+T", 11863}, {"Textúra törlése az oldalról\tShift+Del", 11866},
     {"Oldal színének beállítása\tC", 11867}, {"Textúraillesztő mód\tCtrl+Shift+T", 11882}, {"", SEP},
-    {"Faltípus beállítása\tW", 11861}, {"Pálya ellenőrzése", 11885}, {"", END},
+    {"Faltípus beállítása\tW", 11861}, {"Pálya ellenőrzése", 11885}, {"Objektumok listája", 12100}, {"", END},
     {"Világítás", POPUP}, {"Fényforrás elhelyezése\tCtrl+L", 11868}, {"Világítás kiszámítása\tCtrl+Alt+L", 11869},
     {"Legközelebbi fényforrás törlése", 11870}, {"Teljes kivilágítás", 11871}, {"", END},
     {"Cuccok", POPUP}, {"Hajók, robotok", POPUP}, {"Ellenséges hajó", 11873}, {"", END},
@@ -214,24 +214,6 @@ TEST_F(WindowTest, ModesFollowTheControllerAndRefuseWithABeep)
     QTest::mouseClick(W->View(), Qt::LeftButton, {}, QPoint(1, 1));
     EXPECT_TRUE(W->Action(11858)->isChecked());
     EXPECT_EQ(P().Beeps, 3); // the join and the fit
-}
-
-TEST_F(WindowTest, LevelCheckSelectsTheChosenProblem)
-{
-    Open();
-    L().Segments[0]->Sides[4].Texture = 7; // an empty slot
-    L().CurrentSegment = -1;
-    WhenModal<QDialog>([](QDialog* d) {
-        auto* list = d->findChild<QListWidget*>("Problems");
-        ASSERT_NE(list, nullptr);
-        ASSERT_EQ(list->count(), 2); // the slot, and no start point
-        list->setCurrentRow(0);
-        d->accept();
-    });
-    W->Command(11885);
-    EXPECT_EQ(L().CurrentSegment, 0);
-    EXPECT_EQ(L().CurrentSide, 4);
-    EXPECT_FALSE(W->Action(11883)->isEnabled()); // looking is no step
 }
 
 TEST_F(WindowTest, FileFlowAndTitle)
