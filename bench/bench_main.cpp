@@ -9,6 +9,7 @@
 #include "editor/history.h"
 #include "orvlevel/levelcheck.h"
 #include "literal.h"
+#include "panels.h"
 #include "render.h"
 #include "verify.h"
 
@@ -466,6 +467,7 @@ int main(int argc, char** argv)
     add("CopyBytes/fwrite", CopyBytes, COPY_FWRITE);
     add("CopyBytes/fread", CopyBytes, COPY_FREAD);
     RegisterRenderBenchmarks();
+    RegisterPanelBenchmarks();
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

@@ -11,7 +11,9 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSettings>
+#include <QHeaderView>
 #include <QShortcut>
+#include <QTreeWidget>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -35,12 +37,21 @@ CHECKPANEL::CHECKPANEL(ORVEWINDOW& window) : QDockWidget("Pálya ellenőrzése",
     layout->setContentsMargins(2, 2, 2, 2);
     Summary = new QLabel;
     layout->addWidget(Summary);
-    List = new QListWidget;
+    List = new QTreeWidget;
     List->setObjectName("Problems");
+    List->setColumnCount(2);
+    List->setHeaderHidden(true);
+    List->setRootIsDecorated(false);
+    List->setTextElideMode(Qt::ElideRight);
+    List->header()->setStretchLastSection(false);
+    List->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    List->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     layout->addWidget(List);
+    body->setMinimumWidth(240);
     setWidget(body);
-    connect(List, &QListWidget::currentRowChanged, this, [this](int row) { Choose(row); });
-    connect(List, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { Choose(List->row(item)); });
+    auto row = [this](QTreeWidgetItem* item) { return item ? List->indexOfTopLevelItem(item) : -1; };
+    connect(List, &QTreeWidget::currentItemChanged, this, [this, row](QTreeWidgetItem* item) { Choose(row(item)); });
+    connect(List, &QTreeWidget::itemClicked, this, [this, row](QTreeWidgetItem* item) { Choose(row(item)); });
     connect(&Timer, &QTimer::timeout, this, [this] { Poll(); });
 }
 
@@ -62,7 +73,7 @@ void CHECKPANEL::Poll()
     ORVEDOCUMENT* doc = Window.Document();
     if (!doc || !Cache.Due(doc->Level()))
         return;
-    if (Cache.Refresh(doc->Level()) || List->count() == 0)
+    if (Cache.Refresh(doc->Level()) || List->topLevelItemCount() == 0)
         Rebuild();
 }
 
@@ -71,29 +82,24 @@ void CHECKPANEL::Rebuild()
     const std::vector<LEVELPROBLEM>& problems = Cache.Problems();
     Summary->setText(problems.empty() ? "A pályán nem találtam hibát."
                                       : QString("%1 hiba található:").arg(problems.size()));
-    const int keep = List->currentRow();
+    const int keep = List->currentItem() ? List->indexOfTopLevelItem(List->currentItem()) : -1;
     List->blockSignals(true);
     List->clear();
     for (size_t i = 0; i < problems.size(); ++i)
     {
-        auto* item = new QListWidgetItem(QString::fromStdString(problems[i].Text), List);
+        const QString text = QString::fromStdString(problems[i].Text);
+        auto* item = new QTreeWidgetItem(List, QStringList{text});
+        item->setToolTip(0, text);
         if (!HasFix(problems[i]))
             continue;
-        // The button sits at the line's right end.
-        auto* row = new QWidget;
-        auto* h = new QHBoxLayout(row);
-        h->setContentsMargins(0, 0, 2, 0);
-        h->addStretch();
         auto* fix = new QPushButton("Javítás");
         fix->setObjectName("Fix");
         fix->setFocusPolicy(Qt::NoFocus);
-        h->addWidget(fix);
-        item->setSizeHint(QSize(item->sizeHint().width(), fix->sizeHint().height()));
-        List->setItemWidget(item, row);
+        List->setItemWidget(item, 1, fix);
         connect(fix, &QPushButton::clicked, this, [this, i] { Fix(int(i)); });
     }
-    if (keep >= 0 && keep < List->count())
-        List->setCurrentRow(keep);
+    if (keep >= 0 && keep < List->topLevelItemCount())
+        List->setCurrentItem(List->topLevelItem(keep));
     List->blockSignals(false);
 }
 
@@ -136,6 +142,7 @@ OBJECTPANEL::OBJECTPANEL(ORVEWINDOW& window) : QDockWidget("Objektumok listája"
     setObjectName("ObjectPanel");
     List = new QListWidget;
     List->setObjectName("Objects");
+    List->setMinimumWidth(240);
     setWidget(List);
     connect(List, &QListWidget::currentRowChanged, this, [this](int row) { Choose(row); });
     connect(List, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { Choose(List->row(item)); });

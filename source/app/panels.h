@@ -16,6 +16,7 @@
 class ORVEWINDOW;
 class QLabel;
 class QListWidget;
+class QTreeWidget;
 
 // "Pálya ellenőrzése": one line a problem; choosing one selects its segment
 // and side and turns the camera to it, "Javítás" repairs it as one step.
@@ -24,7 +25,8 @@ class CHECKPANEL : public QDockWidget
     Q_OBJECT
 public:
     explicit CHECKPANEL(ORVEWINDOW& window);
-    QListWidget* Lines() { return List; }
+    // One row a problem: its text, then a "Javítás" button where it has a repair.
+    QTreeWidget* Lines() { return List; }
     // Checks again when the level changed since the lines were made. The
     // panel's own timer calls it while the panel shows, outside the frames.
     void Poll();
@@ -39,7 +41,7 @@ private:
     ORVEWINDOW& Window;
     CHECKCACHE Cache;
     QLabel* Summary;
-    QListWidget* List;
+    QTreeWidget* List;
     QTimer Timer;
     void Rebuild();
 };

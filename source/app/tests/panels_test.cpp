@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QListWidget>
+#include <QTreeWidget>
 #include <QPushButton>
 #include <QSettings>
 #include <QTest>
@@ -53,7 +54,9 @@ protected:
         QApplication::processEvents();
     }
     ORVLEVEL& L() { return W->Document()->Level(); }
-    QListWidget& Lines() { return *W->CheckPanel()->Lines(); }
+    QTreeWidget& Lines() { return *W->CheckPanel()->Lines(); }
+    int Count() { return Lines().topLevelItemCount(); }
+    QPushButton* FixButton(int row) { return qobject_cast<QPushButton*>(Lines().itemWidget(Lines().topLevelItem(row), 1)); }
     bool Undoable() { return W->Action(CM_UNDO)->isEnabled(); }
 };
 
@@ -67,16 +70,16 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     W->Command(CM_CHECKLEVEL);
     ASSERT_TRUE(W->CheckPanel()->isVisible());
     EXPECT_LT(W->View()->width(), view.width());
-    ASSERT_EQ(Lines().count(), 1); // no start point
+    ASSERT_EQ(Count(), 1); // no start point
 
     // An edit shows up by itself: the panel watches the level's revision.
     W->RunEdit([&] {
         L().Segments[0]->Sides[4].Texture = 7;
         L().Changed();
     });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Lines().count() == 2; }, 2000));
-    int row = Lines().item(0)->text().contains("textúrahely") ? 0 : 1;
-    auto* fix = Lines().itemWidget(Lines().item(row))->findChild<QPushButton*>("Fix");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
+    int row = Lines().topLevelItem(0)->text(0).contains("textúrahely") ? 0 : 1;
+    QPushButton* fix = FixButton(row);
     ASSERT_NE(fix, nullptr);
     EXPECT_EQ(fix->text(), "Javítás");
 
@@ -89,7 +92,7 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     });
     W->CheckPanel()->Poll();
     const int undoSteps = int(W->Document()->History.Steps());
-    Lines().setCurrentRow(row);
+    Lines().setCurrentItem(Lines().topLevelItem(row));
     EXPECT_EQ(L().CurrentSegment, 0);
     EXPECT_EQ(L().CurrentSide, 4);
     L().PickSide(W->View()->width() / 2, W->View()->height() / 2, *W->Camera(), W->View()->width(),
@@ -98,13 +101,13 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps);
 
     // The repair is one step; undo brings the problem back.
-    Lines().itemWidget(Lines().item(row))->findChild<QPushButton*>("Fix")->click();
+    FixButton(row)->click();
     EXPECT_EQ(L().Segments[0]->Sides[4].Texture, -1);
-    EXPECT_EQ(Lines().count(), 1);
+    EXPECT_EQ(Count(), 1);
     EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps + 1);
     W->Command(CM_UNDO);
     EXPECT_EQ(L().Segments[0]->Sides[4].Texture, 7);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Lines().count() == 2; }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
 
     // Closed, it stays closed at the next start; opened, it opens again.
     W->close();
