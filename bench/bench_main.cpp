@@ -11,6 +11,7 @@
 #include "orvlevel/levelcheck.h"
 #include "literal.h"
 #include "play.h"
+#include "panels.h"
 #include "render.h"
 #include "verify.h"
 
@@ -470,6 +471,7 @@ int main(int argc, char** argv)
     RegisterRenderBenchmarks();
     RegisterPlayBenchmarks();
     RegisterBlockBenchmarks();
+    RegisterPanelBenchmarks();
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

@@ -1,10 +1,10 @@
 #include "app/mainwindow.h"
 
-#include "app/checkdialog.h"
 #include "app/dialogs.h"
 #include "app/filedialogs.h"
 #include "editor/blocks.h"
 #include "app/playmode.h"
+#include "app/panels.h"
 #include "graphics/drawing.h"
 #include "graphics/texture.h"
 #include "platform/platform.h"
@@ -236,6 +236,7 @@ void ORVEWINDOW::ViewReady()
     InvalidateDisplayList(Doc->Level());
     BuildMenu(LoadMenuResource());
     ViewWidget->Render()->Marked = Doc->Marks.Flags();
+    CreatePanels();
     EditorPtr = std::make_unique<ORVEDITOR>(*Doc, ViewWidget->Render()->Camera);
     EditorPtr->JoinDialog = [this] {
         DIALOGHOST host = Host();
@@ -306,6 +307,9 @@ void ORVEWINDOW::closeEvent(QCloseEvent* e)
 {
     if (RecoveryPtr)
         RecoveryPtr->Close();
+    if (Cameras)
+        Cameras->Leaving();
+    SavePanels();
     QMainWindow::closeEvent(e);
 }
 
@@ -347,8 +351,8 @@ void ORVEWINDOW::AddItems(QMenu* menu, const std::vector<MENUITEM>& items)
 bool ORVEWINDOW::Handles(int id)
 {
     return id == CM_OPEN || id == CM_SAVE || id == CM_SAVEAS || id == CM_UNDO || id == CM_REDO ||
-           id == CM_CHECKLEVEL || id == CM_SAVEBLOCK || id == CM_LOADBLOCK || IsDialogCommand(id) ||
-           ORVEDITOR::HasCommand(id) || IsPlayCommand(id);
+           id == CM_CHECKLEVEL || id == CM_OBJECTLIST || id == CM_SAVEBLOCK || id == CM_LOADBLOCK ||
+           IsDialogCommand(id) || ORVEDITOR::HasCommand(id) || IsPlayCommand(id);
 }
 
 bool ORVEWINDOW::Command(int id)
@@ -374,7 +378,8 @@ bool ORVEWINDOW::Command(int id)
         if (!history.Redo())
             InfoBeep();
         break;
-    case CM_CHECKLEVEL: RunCheckDialog(Doc->Level(), this); break;
+    case CM_CHECKLEVEL: ShowPanel(CheckDock); break;
+    case CM_OBJECTLIST: ShowPanel(ObjectDock); break;
     case CM_SAVEBLOCK:
         if (std::string path = SaveFileDialog(LEVEL_EXT, BLOCK_FILTER); !path.empty())
             BlockSave(*EditorPtr, path);
@@ -484,8 +489,10 @@ void ORVEWINDOW::OpenFile(const std::string& path)
 {
     if (path.empty())
         return;
+    Cameras->Leaving();
     if (!Doc->Open(path))
         return; // the level said why; nothing changed
+    Cameras->Arrived();
     RecoveryPtr->Remove();
     InvalidateDisplayList(Doc->Level());
     UpdateTitle(path);

@@ -15,11 +15,16 @@
 #include <QOpenGLWidget>
 #include <QTimer>
 
+#include <functional>
 #include <map>
 #include <memory>
 
+class CAMERAMEMORY;
+class CHECKPANEL;
+class OBJECTPANEL;
 class ORVERENDER;
 class ORVEWINDOW;
+class QDockWidget;
 class TEXTURE;
 
 // The OpenGL view: hosts ORVERENDER in the widget's own context.
@@ -100,6 +105,12 @@ public:
 
     // Whether the window runs the command (the menu enables by this).
     static bool Handles(int id);
+    // The side panels (panels.cpp); null until the view exists.
+    CHECKPANEL* CheckPanel() { return CheckDock; }
+    OBJECTPANEL* ObjectPanel() { return ObjectDock; }
+    CAMERAMEMORY* CameraMemory() { return Cameras; }
+    // An edit from a panel, as one step of the history.
+    void RunEdit(const std::function<void()>& edit);
     // The title as the file flow sets it.
     void UpdateTitle(const std::string& path);
 
@@ -127,6 +138,14 @@ private:
     void CursorPos(int& x, int& y) override;
     void SetCursorPos(int x, int y) override;
     CAMERA* ViewCamera() override { return Camera(); }
+
+    // panels.cpp
+    void CreatePanels();
+    void SavePanels();
+    void ShowPanel(QDockWidget* panel);
+    CHECKPANEL* CheckDock = nullptr;
+    OBJECTPANEL* ObjectDock = nullptr;
+    CAMERAMEMORY* Cameras = nullptr;
 
     ORVEVIEW* ViewWidget = nullptr;
     std::unique_ptr<ORVEDOCUMENT> Doc;

@@ -60,6 +60,8 @@ enum ORVECOMMAND
     CM_UNDO = 11883,
     CM_REDO = 11884,
     CM_CHECKLEVEL = 11885,
+    // The window's side panels.
+    CM_OBJECTLIST = 12100,
 };
 
 class ORVEDITOR;

@@ -145,7 +145,11 @@ void FlyTo(CAMERA& camera, const ORVLEVEL& level, VECTOR3D target)
 std::optional<VECTOR3D> ProblemObjectPosition(const ORVLEVEL& level, const LEVELPROBLEM& p)
 {
     if (p.Object < 0)
+    {
+        if (const VECTOR3D* point = level.PointAt(p.Point))
+            return *point;
         return std::nullopt;
+    }
     switch (p.Fix)
     {
     case FIX_MOVETHING:

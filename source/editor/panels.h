@@ -58,8 +58,8 @@ bool LookAtSide(CAMERA& camera, const ORVLEVEL& level, int32_t segment, int32_t 
 // Brings the camera close to `target` and turns it there: back along the line
 // of sight it came from, stopping inside the level when the target is in it.
 void FlyTo(CAMERA& camera, const ORVLEVEL& level, VECTOR3D target);
-// Where a problem of the check is: the centre of its object (for problems
-// about a thing, light or special point), else nothing.
+// Where a problem of the check is that names no segment: its thing, light,
+// special point or point, else nothing.
 std::optional<VECTOR3D> ProblemObjectPosition(const ORVLEVEL& level, const LEVELPROBLEM& problem);
 
 // A camera as twelve numbers (position, view direction, up, right) in the C

@@ -9,6 +9,8 @@
 #include "platform/tests/testplatform.h"
 
 #include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
 
 #include <clocale>
 #include <memory>
@@ -20,6 +22,11 @@ int main(int argc, char** argv)
     SRand(1);
     SetPlatform(&TestPlatform());
     std::unique_ptr<QApplication> app;
+    // Windows remember panels and views in their settings: a folder of the
+    // run's own, never the user's.
+    QTemporaryDir settings;
+    setenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit().constData(), 1);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     if (!GTEST_FLAG_GET(list_tests))
     {
         app = std::make_unique<QApplication>(argc, argv);

@@ -159,23 +159,6 @@ TEST_F(WindowTest, ModesFollowTheControllerAndRefuseWithABeep)
     EXPECT_EQ(P().Beeps, 3); // the join and the fit
 }
 
-TEST_F(WindowTest, LevelCheckSelectsTheChosenProblem)
-{
-    Open();
-    L().Segments[0]->Sides[4].Texture = 7; // an empty slot
-    L().CurrentSegment = -1;
-    WhenModal<QDialog>([](QDialog* d) {
-        auto* list = d->findChild<QListWidget*>("Problems");
-        ASSERT_NE(list, nullptr);
-        ASSERT_EQ(list->count(), 2); // the slot, and no start point
-        list->setCurrentRow(0);
-        d->accept();
-    });
-    W->Command(11885);
-    EXPECT_TRUE(L().CurrentSegment == 0 && L().CurrentSide == 4);
-    EXPECT_FALSE(W->Action(11883)->isEnabled()); // looking is no step
-}
-
 TEST_F(WindowTest, FileFlowAndTitle)
 {
     Open();

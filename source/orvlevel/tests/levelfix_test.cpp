@@ -79,7 +79,7 @@ TEST(LevelFix, EachRepairLeavesACleanLevel)
     for (const CASE& c : cases)
     {
         ORVLEVEL level;
-        level.Add(SPECPOINT{level.RandomPointInSegment(*level.Segments[0]), 0});
+        level.Add(SPECPOINT{{0, -90, 0}, 0});
         ASSERT_EQ(Problems(level), "");
         c.Break(level);
         const uint64_t before = level.Revision;
@@ -96,7 +96,7 @@ TEST(LevelFix, OpeningsTooNarrowForTheShipAreListed)
 {
     LoadThingMeshes();
     ORVLEVEL level;
-    level.Add(SPECPOINT{level.RandomPointInSegment(*level.Segments[0]), 0});
+    level.Add(SPECPOINT{{0, -90, 0}, 0});
     const int above = AddCubeAbove(level);
     EXPECT_EQ(Problems(level), "");
     // The back edge of the shared side (corner slots 4 and 5 of segment 0)

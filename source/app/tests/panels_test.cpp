@@ -1,0 +1,175 @@
+// The side panels in the window: the level check following the level, its
+// repairs as undo steps, the object list, and the camera's bookmarks.
+#include "app/filedialogs.h"
+#include "app/mainwindow.h"
+#include "app/panels.h"
+#include "platform/tests/testplatform.h"
+#include "render/view.h"
+
+#include <QApplication>
+#include <QListWidget>
+#include <QTreeWidget>
+#include <QPushButton>
+#include <QSettings>
+#include <QTest>
+
+#include <filesystem>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class PanelsTest : public PlatformTest
+{
+protected:
+    fs::path Dir = fs::temp_directory_path() / ("orvpanels-" + std::to_string(getpid()));
+    std::unique_ptr<ORVEWINDOW> W;
+
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        fs::create_directories(Dir / "config");
+        setenv("ORV_RECOVERY_DIR", (Dir / "recovery").c_str(), 1);
+        // Never the designer's own settings.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString((Dir / "config").string()));
+    }
+    void TearDown() override
+    {
+        if (W)
+            W->Recovery()->Remove();
+        W.reset();
+        fs::remove_all(Dir);
+    }
+    void Open()
+    {
+        W = std::make_unique<ORVEWINDOW>();
+        W->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(W.get()));
+        for (int i = 0; i < 200 && !W->Document(); ++i)
+            QTest::qWait(10);
+        ASSERT_NE(W->Document(), nullptr);
+        QApplication::setActiveWindow(W.get());
+        W->View()->setFocus();
+        QApplication::processEvents();
+    }
+    ORVLEVEL& L() { return W->Document()->Level(); }
+    QTreeWidget& Lines() { return *W->CheckPanel()->Lines(); }
+    int Count() { return Lines().topLevelItemCount(); }
+    QPushButton* FixButton(int row) { return qobject_cast<QPushButton*>(Lines().itemWidget(Lines().topLevelItem(row), 1)); }
+    bool Undoable() { return W->Action(CM_UNDO)->isEnabled(); }
+};
+
+} // namespace
+
+TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
+{
+    Open();
+    EXPECT_FALSE(W->CheckPanel()->isVisible()); // the view keeps the whole window
+    const QSize view = W->View()->size();
+    W->Command(CM_CHECKLEVEL);
+    ASSERT_TRUE(W->CheckPanel()->isVisible());
+    EXPECT_LT(W->View()->width(), view.width());
+    ASSERT_EQ(Count(), 1); // no start point
+
+    // An edit shows up by itself: the panel watches the level's revision.
+    W->RunEdit([&] {
+        L().Segments[0]->Sides[4].Texture = 7;
+        L().Changed();
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
+    int row = Lines().topLevelItem(0)->text(0).contains("textúrahely") ? 0 : 1;
+    QPushButton* fix = FixButton(row);
+    ASSERT_NE(fix, nullptr);
+    EXPECT_EQ(fix->text(), "Javítás");
+
+    // Choosing the line selects the side and faces it; that is no step.
+    L().CurrentSegment = -1;
+    W->Command(CM_UNDO); // the edit above
+    W->RunEdit([&] {
+        L().Segments[0]->Sides[4].Texture = 7;
+        L().Changed();
+    });
+    W->CheckPanel()->Poll();
+    const int undoSteps = int(W->Document()->History.Steps());
+    Lines().setCurrentItem(Lines().topLevelItem(row));
+    EXPECT_EQ(L().CurrentSegment, 0);
+    EXPECT_EQ(L().CurrentSide, 4);
+    L().PickSide(W->View()->width() / 2, W->View()->height() / 2, *W->Camera(), W->View()->width(),
+                 W->View()->height());
+    EXPECT_EQ(L().CurrentSide, 4);
+    EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps);
+
+    // The repair is one step; undo brings the problem back.
+    FixButton(row)->click();
+    EXPECT_EQ(L().Segments[0]->Sides[4].Texture, -1);
+    EXPECT_EQ(Count(), 1);
+    EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps + 1);
+    W->Command(CM_UNDO);
+    EXPECT_EQ(L().Segments[0]->Sides[4].Texture, 7);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
+
+    // Closed, it stays closed at the next start; opened, it opens again.
+    W->close();
+    W.reset();
+    Open();
+    EXPECT_TRUE(W->CheckPanel()->isVisible());
+    W->CheckPanel()->close();
+    W->close();
+    W.reset();
+    Open();
+    EXPECT_FALSE(W->CheckPanel()->isVisible());
+}
+
+TEST_F(PanelsTest, ObjectListFliesToAndDeletesObjects)
+{
+    Open();
+    W->Command(CM_STARTPOINT);
+    W->Command(CM_OBJECTLIST);
+    QListWidget& list = *W->ObjectPanel()->Lines();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list.count() == 1; }, 2000));
+    EXPECT_TRUE(list.item(0)->text().startsWith("Kezdőpont 0 ("));
+    const VECTOR3D at = L().SpecPoints[0]->Position;
+    W->Camera()->Position = {-50, -50, -50};
+    W->ObjectPanel()->Choose(0);
+    EXPECT_NEAR(Dot(W->Camera()->ViewDir, (at - W->Camera()->Position) / Length(at - W->Camera()->Position)), 1.0f,
+                1e-4f);
+
+    const size_t steps = W->Document()->History.Steps();
+    list.setFocus();
+    list.setCurrentRow(0);
+    QTest::keyClick(&list, Qt::Key_Delete);
+    EXPECT_EQ(L().SpecPoints[0], nullptr);
+    EXPECT_EQ(list.count(), 0);
+    EXPECT_EQ(W->Document()->History.Steps(), steps + 1);
+    W->Command(CM_UNDO);
+    EXPECT_NE(L().SpecPoints[0], nullptr);
+}
+
+TEST_F(PanelsTest, BookmarksAndTheLastViewAreKeptPerLevelFile)
+{
+    Open();
+    const std::string file = (Dir / "b.ORVLevel").string();
+    ASSERT_TRUE(W->Document()->SaveAs(file));
+    CAMERA& cam = *W->Camera();
+    const VECTOR3D marked(10, 20, 30);
+    cam.Position = marked;
+    QTest::keyClick(W->View(), Qt::Key_3, Qt::ControlModifier);
+    cam.Position = {0, 0, 0};
+    QTest::keyClick(W->View(), Qt::Key_3, Qt::AltModifier);
+    EXPECT_EQ(cam.Position, marked);
+
+    // Left at one place, the level opens there again, even in a new window;
+    // the bookmarks stay with it.
+    cam.Position = {-7, -8, -9};
+    W->close();
+    W.reset();
+    Open();
+    EXPECT_NE(W->Camera()->Position, VECTOR3D(-7, -8, -9));
+    FileDialogAnswer = [&](bool, const std::string&, const std::string&) { return file; };
+    W->Command(CM_OPEN);
+    FileDialogAnswer = nullptr;
+    EXPECT_EQ(W->Camera()->Position, VECTOR3D(-7, -8, -9));
+    QTest::keyClick(W->View(), Qt::Key_3, Qt::AltModifier);
+    EXPECT_EQ(W->Camera()->Position, marked);
+}
