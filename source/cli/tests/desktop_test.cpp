@@ -91,7 +91,8 @@ TEST_F(DesktopTest, EveryCommandFailsWithoutItsDataFiles)
     const std::map<std::string, std::string> env = {{"XDG_DATA_DIRS", Path("bare")}};
 
     const std::map<std::string, std::vector<std::string>> fixed = {
-        {"mesh", {"SpaceShip.lwo", "1"}}, {"wave", {"Missile.wav"}}, {"run", {Path("dump.script")}}};
+        {"mesh", {"SpaceShip.lwo", "1"}}, {"wave", {"Missile.wav"}}, {"run", {Path("dump.script")}},
+        {"check", {Path("ship.ORVLevel")}}};
     std::istringstream usage(Cli({"help"}).Out);
     std::string line;
     int commands = 0;
