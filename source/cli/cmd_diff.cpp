@@ -188,7 +188,7 @@ int CmdDiff(std::span<char* const> args)
     {
         CLIDOCUMENT a;
         std::optional<ORVEDOCUMENT> b;
-        if (a.Open(files[0]) && (b.emplace(), b->Open(files[1])))
+        if (a.Open(files[0]) && (b.emplace(), OpenWhole(*b, files[1])))
         {
             const std::vector<LEVELDIFFLINE> lines = DiffLevels(a.Level(), b->Level());
             std::string out;

@@ -10,6 +10,13 @@ struct WORLDREADY
     WORLDREADY();
 };
 
+// Opens a level for a command: a file the loader complained about (a wrong
+// header, a short file) counts as not opened, even where the loader goes on
+// with what it could read, since the command's output would not be that file.
+bool OpenWhole(ORVEDOCUMENT& doc, const std::string& path);
+
 class CLIDOCUMENT : private WORLDREADY, public ORVEDOCUMENT
 {
+public:
+    bool Open(const std::string& path) { return OpenWhole(*this, path); }
 };
