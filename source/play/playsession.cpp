@@ -46,6 +46,8 @@ PLAYSESSION::PLAYSESSION(const ORVLEVEL& level, const CAMERA& start) : Eye(start
     ship->team = 1;
     ship->target = -1;
     ship->goal = ship->position;
+    // Known from the start, so that the shop opens before the first tick.
+    ship->segment = Copy->FindSegment(ship->position);
     Slot = Copy->AddThing(ship);
     if (Slot < 0)
     {

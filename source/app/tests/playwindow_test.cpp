@@ -77,11 +77,14 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
 
     Key(103, true); // Up: forward
     Key(57, true, Qt::Key_Space);
+    Key(15, true, Qt::Key_Tab);
     Step();
     Key(103, false);
     Key(57, false, Qt::Key_Space);
+    Key(15, false, Qt::Key_Tab);
     EXPECT_EQ(ship.position, camera.Position + camera.ViewDir * 10.0f);
     EXPECT_LT(ship.energy, 100.0f);
+    EXPECT_EQ(ship.tempestCount, 9);
     const bool side = ship.launchSide;
     QTest::keyClick(W->View(), Qt::Key_M);
     EXPECT_NE(ship.launchSide, side);
