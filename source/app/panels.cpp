@@ -17,12 +17,15 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const char* const SETTINGS_ORG = "orvane-builder";
 const char* const SETTINGS_APP = "orvane-builder";
 // Often enough to follow every change, seldom enough to cost nothing.
 constexpr int POLL_MS = 200;
+constexpr size_t MAX_LINES = 300;
 
 } // namespace
 
@@ -85,7 +88,11 @@ void CHECKPANEL::Rebuild()
     const int keep = List->currentItem() ? List->indexOfTopLevelItem(List->currentItem()) : -1;
     List->blockSignals(true);
     List->clear();
-    for (size_t i = 0; i < problems.size(); ++i)
+    // A level can have tens of thousands of problems (every unused point is
+    // one); the first few hundred are as many as anyone reads, and repairs
+    // bring the rest up.
+    const size_t shown = std::min(problems.size(), MAX_LINES);
+    for (size_t i = 0; i < shown; ++i)
     {
         const QString text = QString::fromStdString(problems[i].Text);
         auto* item = new QTreeWidgetItem(List, QStringList{text});
@@ -98,6 +105,11 @@ void CHECKPANEL::Rebuild()
         List->setItemWidget(item, 1, fix);
         connect(fix, &QPushButton::clicked, this, [this, i] { Fix(int(i)); });
     }
+    if (shown < problems.size())
+    {
+        auto* more = new QTreeWidgetItem(List, QStringList{QString("… és még %1 hiba").arg(problems.size() - shown)});
+        more->setFlags(Qt::NoItemFlags);
+    }
     if (keep >= 0 && keep < List->topLevelItemCount())
         List->setCurrentItem(List->topLevelItem(keep));
     List->blockSignals(false);
@@ -108,7 +120,7 @@ void CHECKPANEL::Choose(int row)
     const std::vector<LEVELPROBLEM>& problems = Cache.Problems();
     ORVEDOCUMENT* doc = Window.Document();
     CAMERA* camera = Window.Camera();
-    if (!doc || !camera || row < 0 || size_t(row) >= problems.size())
+    if (!doc || !camera || row < 0 || size_t(row) >= std::min(problems.size(), MAX_LINES))
         return;
     const LEVELPROBLEM& p = problems[size_t(row)];
     ORVLEVEL& level = doc->Level();

@@ -9,7 +9,7 @@ const CLICOMMAND Commands[] = {
     {"new", "OUT", "save the default level", 1, 1, CmdNew},
     {"resave", "IN OUT", "load a level and save it again", 2, 2, CmdResave},
     {"dump", "IN", "print the whole level as JSON", 1, 1, CmdDump},
-    {"check", "[--fix] LEVEL [OUT]", "list the level's problems, one a line (exit 1 when there are any); --fix repairs what is safe into OUT", 1, 3, CmdCheck},
+    {"check", "[--fix] LEVEL [OUT]", "list the level's problems (exit 1 when there are any); --fix repairs into OUT", 1, 3, CmdCheck},
     {"diff", "A B [--png OUT]", "list how two levels differ, one a line (exit 1 when they do)", 2, 4, CmdDiff},
     {"run", "SCRIPT", "run an editing script against one level", 1, 1, CmdRun},
     {"simulate", "LEVEL TICKS OUT [SEED]", "run the game objects for TICKS ticks and save the result", 3, 4, CmdSimulate},
