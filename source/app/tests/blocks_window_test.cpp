@@ -1,30 +1,19 @@
 // The block commands in the window: Shift + click marks without selecting,
 // the accelerators copy and paste as one undo step each, and the menu's file
 // dialogs save and load block files.
-#include "app/filedialogs.h"
-#include "app/mainwindow.h"
-#include "platform/tests/testplatform.h"
+#include "app/tests/windowtesting.h"
 
-#include <QApplication>
-#include <QTest>
-
-#include <cstdlib>
-#include <filesystem>
-
-TEST(BlockWindowTest, ShiftClickAcceleratorsAndBlockFiles)
+class BlockWindowTest : public WindowFixture
 {
-    TestPlatform().Reset();
-    TEMPDIR dir;
-    setenv("ORV_RECOVERY_DIR", (dir.Path / "recovery").c_str(), 1);
-    ORVEWINDOW w;
-    w.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
-    for (int i = 0; i < 200 && !w.Document(); ++i)
-        QTest::qWait(10);
-    ASSERT_NE(w.Document(), nullptr);
+};
+
+TEST_F(BlockWindowTest, ShiftClickAcceleratorsAndBlockFiles)
+{
+    Open();
+    ORVEWINDOW& w = *W;
     ORVLEVEL& L = w.Document()->Level();
     const ORVEMARKS& marks = w.Document()->Marks;
-    const QPoint centre(w.View()->width() / 2, w.View()->height() / 2);
+    const QPoint centre = Centre();
 
     QTest::mouseClick(w.View(), Qt::LeftButton, Qt::ShiftModifier, centre);
     EXPECT_TRUE(marks.Has(0));
@@ -40,7 +29,7 @@ TEST(BlockWindowTest, ShiftClickAcceleratorsAndBlockFiles)
     EXPECT_EQ(L.Segments[1], nullptr);
     EXPECT_EQ(marks.Count(), 0);
 
-    const std::string file = (dir.Path / "cube.ORVLevel").string();
+    const std::string file = (Dir / "cube.ORVLevel").string();
     FileDialogAnswer = [&](bool, const std::string&, const std::string& description) {
         EXPECT_EQ(description, "Orvane Battle blokkok");
         return file;
@@ -52,7 +41,5 @@ TEST(BlockWindowTest, ShiftClickAcceleratorsAndBlockFiles)
     w.Editor()->Clipboard = {};
     EXPECT_TRUE(w.Command(CM_LOADBLOCK));
     EXPECT_EQ(w.Editor()->Clipboard.Segments.size(), 1u);
-    FileDialogAnswer = nullptr;
-    EXPECT_EQ(TestPlatform().Beeps, 0);
-    w.Recovery()->Remove();
+    EXPECT_EQ(P().Beeps, 0);
 }

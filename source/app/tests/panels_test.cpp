@@ -1,10 +1,7 @@
 // The side panels in the window: the level check following the level, its
 // repairs as undo steps, the object list, and the camera's bookmarks.
-#include "app/filedialogs.h"
-#include "app/mainwindow.h"
 #include "app/panels.h"
-#include "platform/tests/testplatform.h"
-#include "render/view.h"
+#include "app/tests/windowtesting.h"
 
 #include <QApplication>
 #include <QListWidget>
@@ -13,51 +10,20 @@
 #include <QSettings>
 #include <QTest>
 
-#include <filesystem>
-#include <unistd.h>
-
-namespace fs = std::filesystem;
-
 namespace {
 
-class PanelsTest : public PlatformTest
+class PanelsTest : public WindowFixture
 {
 protected:
-    fs::path Dir = fs::temp_directory_path() / ("orvpanels-" + std::to_string(getpid()));
-    std::unique_ptr<ORVEWINDOW> W;
-
     void SetUp() override
     {
-        PlatformTest::SetUp();
-        fs::create_directories(Dir / "config");
-        setenv("ORV_RECOVERY_DIR", (Dir / "recovery").c_str(), 1);
+        WindowFixture::SetUp();
         // Never the designer's own settings.
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString((Dir / "config").string()));
     }
-    void TearDown() override
-    {
-        if (W)
-            W->Recovery()->Remove();
-        W.reset();
-        fs::remove_all(Dir);
-    }
-    void Open()
-    {
-        W = std::make_unique<ORVEWINDOW>();
-        W->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(W.get()));
-        for (int i = 0; i < 200 && !W->Document(); ++i)
-            QTest::qWait(10);
-        ASSERT_NE(W->Document(), nullptr);
-        QApplication::setActiveWindow(W.get());
-        W->View()->setFocus();
-        QApplication::processEvents();
-    }
-    ORVLEVEL& L() { return W->Document()->Level(); }
     QTreeWidget& Lines() { return *W->CheckPanel()->Lines(); }
     int Count() { return Lines().topLevelItemCount(); }
     QPushButton* FixButton(int row) { return qobject_cast<QPushButton*>(Lines().itemWidget(Lines().topLevelItem(row), 1)); }
-    bool Undoable() { return W->Action(CM_UNDO)->isEnabled(); }
 };
 
 } // namespace
@@ -110,14 +76,10 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     EXPECT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
 
     // Closed, it stays closed at the next start; opened, it opens again.
-    W->close();
-    W.reset();
-    Open();
+    Reopen();
     EXPECT_TRUE(W->CheckPanel()->isVisible());
     W->CheckPanel()->close();
-    W->close();
-    W.reset();
-    Open();
+    Reopen();
     EXPECT_FALSE(W->CheckPanel()->isVisible());
 }
 
@@ -162,9 +124,7 @@ TEST_F(PanelsTest, BookmarksAndTheLastViewAreKeptPerLevelFile)
     // Left at one place, the level opens there again, even in a new window;
     // the bookmarks stay with it.
     cam.Position = {-7, -8, -9};
-    W->close();
-    W.reset();
-    Open();
+    Reopen();
     EXPECT_NE(W->Camera()->Position, VECTOR3D(-7, -8, -9));
     FileDialogAnswer = [&](bool, const std::string&, const std::string&) { return file; };
     W->Command(CM_OPEN);

@@ -1,9 +1,7 @@
 // The play-test in the real window (Xvfb): F5 flies the ship from the
 // camera, keys and Space reach it, accelerators rest, Escape brings the
 // editor back as it was; Shift+F5 needs a start point.
-#include "app/mainwindow.h"
-#include "platform/tests/testplatform.h"
-#include "render/view.h"
+#include "app/tests/windowtesting.h"
 #include "things/spaceship.h"
 
 #include <QApplication>
@@ -18,42 +16,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class PlayWindowTest : public PlatformTest
+class PlayWindowTest : public WindowFixture
 {
 protected:
-    fs::path Dir = fs::temp_directory_path() / ("orvplay-" + std::to_string(getpid()));
-    std::unique_ptr<ORVEWINDOW> W;
-
     void SetUp() override
     {
-        PlatformTest::SetUp();
-        setenv("ORV_RECOVERY_DIR", (Dir / "recovery").c_str(), 1);
-        W = std::make_unique<ORVEWINDOW>();
-        W->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(W.get()));
-        for (int i = 0; i < 200 && !W->Document(); ++i)
-            QTest::qWait(10);
-        ASSERT_NE(W->Document(), nullptr);
-        QApplication::setActiveWindow(W.get());
-        W->View()->setFocus();
-        QApplication::processEvents();
-    }
-    void TearDown() override
-    {
-        W->Recovery()->Remove();
-        W.reset();
-        fs::remove_all(Dir);
-    }
-    void Step()
-    {
-        P().Now += 41;
-        W->Step();
-    }
-    // A key by its evdev code, as X delivers it.
-    void Key(uint32_t evdev, bool down, Qt::Key key = Qt::Key_unknown)
-    {
-        QKeyEvent e(down ? QEvent::KeyPress : QEvent::KeyRelease, key, Qt::NoModifier, evdev + 8, 0, 0);
-        QApplication::sendEvent(W->View(), &e);
+        WindowFixture::SetUp();
+        Open();
     }
 };
 
@@ -92,7 +61,7 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
     EXPECT_EQ(edited.Segments[1], nullptr);
 
     // Mouse look: 100 px right of the centre turns the ship right by 0.1.
-    const QPoint centre(W->View()->width() / 2, W->View()->height() / 2);
+    const QPoint centre = Centre();
     CAMERA turned = camera;
     turned.Move(CAM_TURNRIGHT, 0.1f);
     QTest::mousePress(W->View(), Qt::RightButton, {}, centre);

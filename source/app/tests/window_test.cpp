@@ -1,12 +1,8 @@
 // The main window under a real X server (Xvfb) with an OpenGL view: the menu
 // against its table, accelerators, keys by scan code, mouse look,
 // clicks, the file flow, the frame loop, undo and recovery.
-#include "app/filedialogs.h"
 #include "app/tests/dialogtesting.h"
-#include "app/mainwindow.h"
-#include "editor/recovery.h"
-#include "platform/tests/testplatform.h"
-#include "render/view.h"
+#include "app/tests/windowtesting.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -32,52 +28,8 @@ void Items(const QList<QAction*>& actions, std::vector<QAction*>& out)
             out.push_back(a);
 }
 
-class WindowTest : public PlatformTest
+class WindowTest : public WindowFixture
 {
-protected:
-    fs::path Dir = fs::temp_directory_path() / ("orvwindow-" + std::to_string(getpid()));
-    std::unique_ptr<ORVEWINDOW> W;
-
-    void SetUp() override
-    {
-        PlatformTest::SetUp();
-        fs::create_directories(Dir);
-        setenv("ORV_RECOVERY_DIR", (Dir / "recovery").c_str(), 1);
-    }
-    void TearDown() override
-    {
-        FileDialogAnswer = nullptr;
-        if (W)
-            W->Recovery()->Remove();
-        W.reset();
-        fs::remove_all(Dir);
-    }
-    void Open()
-    {
-        W = std::make_unique<ORVEWINDOW>();
-        W->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(W.get()));
-        for (int i = 0; i < 200 && !W->Document(); ++i)
-            QTest::qWait(10);
-        ASSERT_NE(W->Document(), nullptr);
-        QApplication::setActiveWindow(W.get());
-        W->View()->setFocus();
-        QApplication::processEvents();
-    }
-    ORVLEVEL& L() { return W->Document()->Level(); }
-    CAMERA& Cam() { return *W->Camera(); }
-    // One pass of the frame loop with the clock moved on by `ms`.
-    void Step(uint32_t ms = 41)
-    {
-        P().Now += ms;
-        W->Step();
-    }
-    void Key(uint32_t evdev, bool down)
-    {
-        QKeyEvent e(down ? QEvent::KeyPress : QEvent::KeyRelease, 0, Qt::NoModifier, evdev + 8, 0, 0);
-        QApplication::sendEvent(W->View(), &e);
-    }
-    QPoint Centre() const { return QPoint(W->View()->width() / 2, W->View()->height() / 2); }
 };
 
 } // namespace
