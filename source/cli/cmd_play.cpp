@@ -1,6 +1,7 @@
 // play: a play-test of a level without a window. The player's ship flies
 // under the actions of an input file, tick by tick; the result is saved and
 // the last frame from the ship can be drawn offscreen.
+#include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/levelfiles.h"
 
@@ -66,19 +67,6 @@ bool Whole(const std::string& text, T& v)
     const char* end = text.data() + text.size();
     auto [p, ec] = std::from_chars(text.data(), end, v);
     return ec == std::errc() && p == end && p != text.data();
-}
-
-// A number as the C locale reads it, the whole text and finite.
-bool Number(const char* text, float& v)
-{
-    static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
-    char* end = nullptr;
-    errno = 0;
-    double d = c ? strtod_l(text, &end, c) : std::strtod(text, &end);
-    if (end == text || *end || errno || !std::isfinite(d) || std::fabs(d) > 3.4e38)
-        return false;
-    v = float(d);
-    return true;
 }
 
 // Reads the input file: 0, or the exit status after saying what is wrong
@@ -187,13 +175,9 @@ int CmdPlay(std::span<char* const> args)
         }
         else if (!std::strcmp(args[i], "--camera"))
         {
-            if (i + 12 >= args.size())
+            if (!CameraOption(args, i, camera))
                 return Usage("--camera takes 12 numbers");
-            for (int k = 0; k < 12; ++k)
-                if (!Number(args[i + 1 + k], camera[k]))
-                    return Usage("--camera takes 12 numbers");
             haveCamera = true;
-            i += 12;
         }
         else
             return Usage((std::string("unknown option ") + args[i]).c_str());

@@ -1,5 +1,6 @@
 // render: one frame of the editor's view of a level, drawn offscreen (no
 // window system needed) and written as a PNG.
+#include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/levelfiles.h"
 
@@ -32,19 +33,6 @@ int Usage(const char* reason)
     std::fprintf(stderr, "usage: orvane-cli render LEVEL OUT.png [--size WxH] "
                          "[--camera PX PY PZ VX VY VZ UX UY UZ RX RY RZ] [--marked SEG,SEG,...]\n");
     return EXIT_USAGE;
-}
-
-// A number as the C locale reads it, the whole text and finite.
-bool Number(const char* text, float& v)
-{
-    static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t(0));
-    char* end = nullptr;
-    errno = 0;
-    double d = c ? strtod_l(text, &end, c) : std::strtod(text, &end);
-    if (end == text || *end || errno || !std::isfinite(d) || std::fabs(d) > 3.4e38)
-        return false;
-    v = float(d);
-    return true;
 }
 
 bool Size(const char* text, int& w, int& h)
@@ -91,13 +79,9 @@ int CmdRender(std::span<char* const> args)
         }
         else if (!std::strcmp(args[i], "--camera"))
         {
-            if (i + 12 >= args.size())
+            if (!CameraOption(args, i, camera))
                 return Usage("--camera takes 12 numbers");
-            for (int k = 0; k < 12; ++k)
-                if (!Number(args[i + 1 + k], camera[k]))
-                    return Usage("--camera takes 12 numbers");
             haveCamera = true;
-            i += 12;
         }
         else if (!std::strcmp(args[i], "--marked"))
         {

@@ -18,16 +18,6 @@
 
 namespace {
 
-std::string Format(const char* pattern, ...)
-{
-    char buffer[600];
-    va_list args;
-    va_start(args, pattern);
-    std::vsnprintf(buffer, sizeof buffer, pattern, args);
-    va_end(args);
-    return buffer;
-}
-
 // Four corner positions in a fixed order, so two sides on the same corners
 // meet under one key whatever their corner order.
 struct SIDEKEY
@@ -127,7 +117,7 @@ private:
                 else
                 {
                     whole = false;
-                    Add(Format("Szegmens %d: a(z) %d. sarka nem létező pontra mutat (%d).", s, k, p), s, -1, p);
+                    Add(FormatProblem("Szegmens %d: a(z) %d. sarka nem létező pontra mutat (%d).", s, k, p), s, -1, p);
                 }
             }
             for (int i = 0; i < 6; ++i)
@@ -143,19 +133,19 @@ private:
         {
             const SEGMENT* other = SegmentAt(n);
             if (!other)
-                Add(Format("Szegmens %d, oldal %d: a szomszédja (%d) nem létező szegmens.", s, i, n), s, i, -1,
+                Add(FormatProblem("Szegmens %d, oldal %d: a szomszédja (%d) nem létező szegmens.", s, i, n), s, i, -1,
                     FIX_CUTNEIGHBOUR);
             else if (std::find(std::begin(other->Neighbours), std::end(other->Neighbours), s) ==
                      std::end(other->Neighbours))
-                Add(Format("Szegmens %d, oldal %d: a(z) %d. szegmenssel való kapcsolat egyirányú.", s, i, n), s, i, -1,
+                Add(FormatProblem("Szegmens %d, oldal %d: a(z) %d. szegmenssel való kapcsolat egyirányú.", s, i, n), s, i, -1,
                     FIX_ONEWAYLINK);
         }
         else if (side.WallType == WALL_PASSABLE)
-            Add(Format("Szegmens %d, oldal %d: átjárható, de nincs mögötte szegmens (lyuk a semmibe).", s, i), s, i, -1,
+            Add(FormatProblem("Szegmens %d, oldal %d: átjárható, de nincs mögötte szegmens (lyuk a semmibe).", s, i), s, i, -1,
                 FIX_WALLUP);
         if (side.Texture != -1 && (side.Texture < 0 || side.Texture >= MAX_TEXTURES || !L.Textures ||
                                    !L.Textures[side.Texture]))
-            Add(Format("Szegmens %d, oldal %d: a(z) %d. textúrahely üres.", s, i, side.Texture), s, i, -1,
+            Add(FormatProblem("Szegmens %d, oldal %d: a(z) %d. textúrahely üres.", s, i, side.Texture), s, i, -1,
                 FIX_EMPTYTEXTURE);
         if (!whole)
             return;
@@ -165,7 +155,7 @@ private:
             c[k] = const_cast<VECTOR3D*>(L.PointAt(seg.Corners[SideCorners[i][k]]));
         VECTOR3D area = Cross(*c[2] - *c[0], *c[3] - *c[1]);
         if (!(Length(area) > 0.0f))
-            Add(Format("Szegmens %d, oldal %d: az oldal területe nulla.", s, i), s, i);
+            Add(FormatProblem("Szegmens %d, oldal %d: az oldal területe nulla.", s, i), s, i);
         else
         {
             // The inward normal must face the middle of the segment.
@@ -174,12 +164,12 @@ private:
                 centre += *L.PointAt(corner);
             centre /= 8.0f;
             if (Dot(centre - *c[0], TriangleNormal(*c[0], *c[1], *c[2])) < 0.0f)
-                Add(Format("Szegmens %d, oldal %d: kifelé néz, a szegmens ki van fordulva.", s, i), s, i);
+                Add(FormatProblem("Szegmens %d, oldal %d: kifelé néz, a szegmens ki van fordulva.", s, i), s, i);
         }
         Opening(s, i, n, c);
         auto [at, fresh] = SidesAt.try_emplace(KeyOf(c), s, i);
         if (!fresh && at->second.first != s && n != at->second.first)
-            Add(Format("Szegmens %d, oldal %d: egybeesik a(z) %d. szegmens %d. oldalával, de nincsenek összekötve.", s,
+            Add(FormatProblem("Szegmens %d, oldal %d: egybeesik a(z) %d. szegmens %d. oldalával, de nincsenek összekötve.", s,
                        i, at->second.first, at->second.second),
                 s, i);
     }
@@ -198,7 +188,7 @@ private:
             return;
         const float width = 2.0f * InscribedRadius(c);
         if (width < ShipDiameter)
-            Add(Format("Szegmens %d, oldal %d: a(z) %d. szegmens felé nyíló átjáró túl szűk a hajónak (%.0f < %.0f).",
+            Add(FormatProblem("Szegmens %d, oldal %d: a(z) %d. szegmens felé nyíló átjáró túl szűk a hajónak (%.0f < %.0f).",
                        s, i, n, double(width), double(ShipDiameter)),
                 s, i);
     }
@@ -222,27 +212,27 @@ private:
     {
         for (int t = 0; L.Textures && t < MAX_TEXTURES; ++t)
             if (const TEXTURE* tex = L.Textures[t]; tex && !FileExists(tex->FileName))
-                Add(Format("Textúra %d: a(z) \"%s\" bitkép nem található.", t, ResolveDataPath(tex->FileName).c_str()));
+                Add(FormatProblem("Textúra %d: a(z) \"%s\" bitkép nem található.", t, ResolveDataPath(tex->FileName).c_str()));
     }
 
     void UnusedPoints()
     {
         for (int32_t p = 0; p < L.PointsEnd(); ++p)
             if (L.Points[p] && !Used.test(size_t(p)))
-                Add(Format("Pont %d: egyik szegmens sem használja.", p), -1, -1, p, FIX_UNUSEDPOINT);
+                Add(FormatProblem("Pont %d: egyik szegmens sem használja.", p), -1, -1, p, FIX_UNUSEDPOINT);
     }
 
     void Objects()
     {
         for (int t = 0; L.Things && t < MAX_THINGS; ++t)
             if (const THING* thing = L.Things[t]; thing && L.FindSegment(thing->position) < 0)
-                Add(Format("Cucc %d (%s): egyik szegmensben sincs.", t, thing->ClassName()), -1, -1, -1, FIX_MOVETHING, t);
+                Add(FormatProblem("Cucc %d (%s): egyik szegmensben sincs.", t, thing->ClassName()), -1, -1, -1, FIX_MOVETHING, t);
         for (int i = 0; L.Lights && i < MAX_LIGHTS; ++i)
             if (const STATICLIGHT* light = L.Lights[i]; light && L.FindSegment(light->Position) < 0)
-                Add(Format("Fényforrás %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVELIGHT, i);
+                Add(FormatProblem("Fényforrás %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVELIGHT, i);
         for (int i = 0; L.SpecPoints && i < MAX_SPECPOINTS; ++i)
             if (const SPECPOINT* sp = L.SpecPoints[i]; sp && L.FindSegment(sp->Position) < 0)
-                Add(Format("Különleges pont %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVESPECPOINT, i);
+                Add(FormatProblem("Különleges pont %d: egyik szegmensben sincs.", i), -1, -1, -1, FIX_MOVESPECPOINT, i);
     }
 
     void StartPoints()
@@ -253,11 +243,21 @@ private:
         if (starts == 0)
             Add("Nincs egyfős játékos kezdőpont.");
         else if (starts > 1)
-            Add(Format("%d egyfős játékos kezdőpont van, egynek kell lennie.", starts));
+            Add(FormatProblem("%d egyfős játékos kezdőpont van, egynek kell lennie.", starts));
     }
 };
 
 } // namespace
+
+std::string FormatProblem(const char* pattern, ...)
+{
+    char buffer[600];
+    va_list args;
+    va_start(args, pattern);
+    std::vsnprintf(buffer, sizeof buffer, pattern, args);
+    va_end(args);
+    return buffer;
+}
 
 std::vector<LEVELPROBLEM> CheckLevel(const ORVLEVEL& level)
 {

@@ -38,3 +38,7 @@ struct LEVELPROBLEM
 // Bitmap names are looked up against the current directory, as the editor
 // loads them.
 std::vector<LEVELPROBLEM> CheckLevel(const ORVLEVEL& level);
+
+// printf into a problem's or a repair's line (they are a few hundred bytes at
+// most).
+std::string FormatProblem(const char* pattern, ...) __attribute__((format(printf, 1, 2)));

@@ -12,16 +12,6 @@
 
 namespace {
 
-std::string Format(const char* pattern, ...)
-{
-    char buffer[600];
-    va_list args;
-    va_start(args, pattern);
-    std::vsnprintf(buffer, sizeof buffer, pattern, args);
-    va_end(args);
-    return buffer;
-}
-
 SEGMENT* SegmentAt(ORVLEVEL& level, int32_t i)
 {
     return level.Segments && i >= 0 && i < MAX_SEGMENTS ? level.Segments[i] : nullptr;
@@ -66,7 +56,7 @@ std::string CutNeighbour(ORVLEVEL& level, const LEVELPROBLEM& p)
     if (n == -1 || SegmentAt(level, n))
         return "";
     Cut(level, *seg, p.Side);
-    return Format("Szegmens %d, oldal %d: a nem létező szomszédra (%d) mutató kapcsolat levágva.", p.Segment, p.Side, n);
+    return FormatProblem("Szegmens %d, oldal %d: a nem létező szomszédra (%d) mutató kapcsolat levágva.", p.Segment, p.Side, n);
 }
 
 std::string OneWayLink(ORVLEVEL& level, const LEVELPROBLEM& p)
@@ -92,11 +82,11 @@ std::string OneWayLink(ORVLEVEL& level, const LEVELPROBLEM& p)
     if (matches == 1 && other->Neighbours[match] == -1 && n != p.Segment)
     {
         other->Neighbours[match] = p.Segment;
-        return Format("Szegmens %d, oldal %d: a(z) %d. szegmens %d. oldala visszakötve, a kapcsolat kétirányú lett.",
+        return FormatProblem("Szegmens %d, oldal %d: a(z) %d. szegmens %d. oldala visszakötve, a kapcsolat kétirányú lett.",
                       p.Segment, p.Side, n, match);
     }
     Cut(level, *seg, p.Side);
-    return Format("Szegmens %d, oldal %d: a(z) %d. szegmenssel való egyirányú kapcsolat levágva (az oldalak nem "
+    return FormatProblem("Szegmens %d, oldal %d: a(z) %d. szegmenssel való egyirányú kapcsolat levágva (az oldalak nem "
                   "fekszenek egymáson).",
                   p.Segment, p.Side, n);
 }
@@ -107,7 +97,7 @@ std::string WallUp(ORVLEVEL& level, const LEVELPROBLEM& p)
     if (!side || side->WallType != WALL_PASSABLE || level.Segments[p.Segment]->Neighbours[p.Side] != -1)
         return "";
     side->WallType = WALL_NORMAL;
-    return Format("Szegmens %d, oldal %d: az átjárható oldal mögött nincs szegmens, fal lett belőle.", p.Segment, p.Side);
+    return FormatProblem("Szegmens %d, oldal %d: az átjárható oldal mögött nincs szegmens, fal lett belőle.", p.Segment, p.Side);
 }
 
 using USEDPOINTS = std::bitset<MAX_POINTS>;
@@ -135,7 +125,7 @@ std::string UnusedPoint(ORVLEVEL& level, const LEVELPROBLEM& p, const USEDPOINTS
     if (used->test(size_t(p.Point)))
         return "";
     level.DeletePoint(p.Point);
-    return Format("Pont %d: törölve, egyik szegmens sem használta.", p.Point);
+    return FormatProblem("Pont %d: törölve, egyik szegmens sem használta.", p.Point);
 }
 
 std::string EmptyTexture(ORVLEVEL& level, const LEVELPROBLEM& p)
@@ -146,7 +136,7 @@ std::string EmptyTexture(ORVLEVEL& level, const LEVELPROBLEM& p)
         return "";
     const int32_t was = side->Texture;
     side->Texture = -1;
-    return Format("Szegmens %d, oldal %d: az üres textúrahely (%d) helyett textúrázatlan lett (-1).", p.Segment,
+    return FormatProblem("Szegmens %d, oldal %d: az üres textúrahely (%d) helyett textúrázatlan lett (-1).", p.Segment,
                   p.Side, was);
 }
 
@@ -203,9 +193,9 @@ std::string MoveObject(ORVLEVEL& level, const LEVELPROBLEM& p)
     switch (p.Fix)
     {
     case FIX_MOVETHING:
-        return Format("Cucc %d (%s): áthelyezve a(z) %d. szegmens közepére.", p.Object, thing->ClassName(), s);
-    case FIX_MOVELIGHT: return Format("Fényforrás %d: áthelyezve a(z) %d. szegmens közepére.", p.Object, s);
-    default: return Format("Különleges pont %d: áthelyezve a(z) %d. szegmens közepére.", p.Object, s);
+        return FormatProblem("Cucc %d (%s): áthelyezve a(z) %d. szegmens közepére.", p.Object, thing->ClassName(), s);
+    case FIX_MOVELIGHT: return FormatProblem("Fényforrás %d: áthelyezve a(z) %d. szegmens közepére.", p.Object, s);
+    default: return FormatProblem("Különleges pont %d: áthelyezve a(z) %d. szegmens közepére.", p.Object, s);
     }
 }
 
