@@ -127,8 +127,6 @@ TEST_F(ObjectsTest, EffectsLiveTheirTicks)
         EXPECT_TRUE(effect->dead);
     }
 
-    EXPECT_EQ(LaserColour(2), VECTOR3D(1, 0.5f, 0));
-    EXPECT_EQ(LaserColour(10), VECTOR3D(0.5f, 0, 1));
     for (int bad : {0, 11})
     {
         EXPECT_THROW(LaserColour(bad), FATALEXIT);
@@ -257,10 +255,6 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     c->AcquireTarget();
     EXPECT_EQ(c->target, 0); // team 0 attacks anyone
 
-    EXPECT_TRUE(BarColour(0, 0.3f).r == 1 && BarColour(1, 0.3f).g == 1 && BarColour(1.25f, 0.3f).b == 0.5f);
-    EXPECT_TRUE(BarColour(1.75f, 0.3f).g == 0.5f && BarColour(2, 0.3f).b == 1);
-    a->primaryWeapon = -1;
-    EXPECT_STREQ(a->PrimaryWeaponName(), "-");
     a->primaryWeapon = 2;
     EXPECT_EQ(Cp1250ToUtf8(a->PrimaryWeaponName()), "3. szintű lézer");
 
