@@ -215,7 +215,6 @@ TEST_F(LevelTest, SelectionQueries)
     L->CurrentSide = 1; // x = +100: slots 1, 5, 7, 3
     L->CurrentPoint = 2;
     EXPECT_TRUE(L->GetCurrentPointPtr() == L->Points[7] && L->GetCurrentSidePoints()[3] == L->Points[3]);
-    EXPECT_EQ(L->GetCurrentSideCorners()[0], DefaultCubeCorners[1]);
     L->CurrentPoint = 3;
     L->NextPointOnSide();
     EXPECT_EQ(L->CurrentPoint, 0);
