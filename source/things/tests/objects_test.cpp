@@ -255,6 +255,8 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     c->AcquireTarget();
     EXPECT_EQ(c->target, 0); // team 0 attacks anyone
 
+    // The cockpit test sees the bar's end colours; these are between them.
+    EXPECT_TRUE(BarColour(1.25f, 0.3f).b == 0.5f && BarColour(1.75f, 0.3f).g == 0.5f);
     a->primaryWeapon = 2;
     EXPECT_EQ(Cp1250ToUtf8(a->PrimaryWeaponName()), "3. szintű lézer");
 
