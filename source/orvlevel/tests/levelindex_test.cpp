@@ -370,10 +370,8 @@ TEST_F(LevelIndexTest, OnlyOddAndEditedCellsAreTestedByEveryQuery)
     for (int k = 0; k < 8; ++k)
         A->Points[A->Segments[flat]->Corners[k]]->y = -300;
     int insideOut = AddCubeCopy(*A, VECTOR3D(-450, 0, 0));
-    std::swap(A->Segments[insideOut]->Corners[0], A->Segments[insideOut]->Corners[1]);
-    std::swap(A->Segments[insideOut]->Corners[2], A->Segments[insideOut]->Corners[3]);
-    std::swap(A->Segments[insideOut]->Corners[4], A->Segments[insideOut]->Corners[5]);
-    std::swap(A->Segments[insideOut]->Corners[6], A->Segments[insideOut]->Corners[7]);
+    for (int k = 0; k < 8; k += 2)
+        std::swap(A->Segments[insideOut]->Corners[k], A->Segments[insideOut]->Corners[k + 1]);
     A->Changed();
     index.Build(*A);
     EXPECT_TRUE(index.Loose.empty());

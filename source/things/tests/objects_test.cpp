@@ -37,43 +37,37 @@ const VECTOR3D Z(1, 0, 0), Y(0, 1, 0), X(0, 0, 1);
 
 TEST_F(ObjectsTest, ItemRulesAndTheirMessages)
 {
-    SPACESHIP s;
     P_SHIPLEVEL level({}, Z, Y, X);
-    s.shipLevel = 4;
-    EXPECT_TRUE(level.ApplyTo(&s) && !level.ApplyTo(&s) && s.shipLevel == 5);
-    EXPECT_EQ(Last(s), "Már teljesen ki van fejlesztve a hajód.");
-
     P_LASERBOOST laser({}, Z, Y, X);
-    s.shipLevel = 1;
-    s.primaryWeapon = -1;
-    EXPECT_TRUE(laser.ApplyTo(&s) && s.primaryWeapon == 0);
-    EXPECT_TRUE(laser.ApplyTo(&s) && !laser.ApplyTo(&s)); // level 1 stops at shown level 2
-    EXPECT_EQ(Last(s), "1. színtű hajó csak 2. színtig fejlesztheti a lézert!");
-    s.primaryWeapon = 9, s.shipLevel = 5;
-    EXPECT_FALSE(laser.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "Nem tudod felvenni a lézert: teljesen ki van már fejlesztve!");
-    s.primaryWeapon = 12;
-    EXPECT_FALSE(laser.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "Nem tudod felvenni a lézert: más fegyvered van már!");
-
     P_ENERGY energy({}, Z, Y, X);
-    s.shipLevel = 1, s.energy = 199;
-    EXPECT_TRUE(energy.ApplyTo(&s) && s.energy == 214);
-    s.energy = 200;
-    EXPECT_FALSE(energy.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "A hajódnak a 1. szinten max. 200 energiája lehet.");
     P_SHIELD shield({}, Z, Y, X);
-    s.shield = 200;
-    EXPECT_FALSE(shield.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "A hajódnak a 1. szinten max. 200 pajzsa lehet.");
-
     P_TEMPEST tempest({}, Z, Y, X);
-    s.tempestCount = 20;
-    EXPECT_FALSE(tempest.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "Max 20 Tempest rakétád lehet.");
-    s.secondaryWeapon = 1, s.tempestCount = 0;
-    EXPECT_FALSE(tempest.ApplyTo(&s));
-    EXPECT_EQ(Last(s), "Csak egyféle rakétád lehet egyszerre. Amid van, nem Tempest.");
+    SPACESHIP s;
+    s.shipLevel = 4;
+    EXPECT_TRUE(level.ApplyTo(&s) && s.shipLevel == 5);
+    s.shipLevel = 1, s.primaryWeapon = -1, s.energy = 199;
+    EXPECT_TRUE(laser.ApplyTo(&s) && s.primaryWeapon == 0 && laser.ApplyTo(&s) && s.primaryWeapon == 1);
+    EXPECT_TRUE(energy.ApplyTo(&s) && s.energy == 214);
+
+    // Refused: the ship as it is, and what it is told.
+    struct CASE { PICKUP* Item; int32_t Level, Primary, Secondary, Tempests; float Energy, Shield; const char* Says; };
+    const CASE refusals[] = {
+        {&level, 5, 0, 0, 0, 0, 0, "Már teljesen ki van fejlesztve a hajód."},
+        {&laser, 1, 1, 0, 0, 0, 0, "1. színtű hajó csak 2. színtig fejlesztheti a lézert!"},
+        {&laser, 5, 9, 0, 0, 0, 0, "Nem tudod felvenni a lézert: teljesen ki van már fejlesztve!"},
+        {&laser, 5, 12, 0, 0, 0, 0, "Nem tudod felvenni a lézert: más fegyvered van már!"},
+        {&energy, 1, 0, 0, 0, 200, 0, "A hajódnak a 1. szinten max. 200 energiája lehet."},
+        {&shield, 1, 0, 0, 0, 0, 200, "A hajódnak a 1. szinten max. 200 pajzsa lehet."},
+        {&tempest, 1, 0, 0, 20, 0, 0, "Max 20 Tempest rakétád lehet."},
+        {&tempest, 1, 0, 1, 0, 0, 0, "Csak egyféle rakétád lehet egyszerre. Amid van, nem Tempest."},
+    };
+    for (const CASE& c : refusals)
+    {
+        s.shipLevel = c.Level, s.primaryWeapon = c.Primary, s.secondaryWeapon = c.Secondary, s.tempestCount = c.Tempests;
+        s.energy = c.Energy, s.shield = c.Shield;
+        EXPECT_FALSE(c.Item->ApplyTo(&s)) << c.Says;
+        EXPECT_EQ(Last(s), c.Says);
+    }
 
     // A repeated refusal is logged once.
     std::string before(&s.messages[0][0], sizeof s.messages);
@@ -127,8 +121,6 @@ TEST_F(ObjectsTest, EffectsLiveTheirTicks)
         EXPECT_TRUE(effect->dead);
     }
 
-    EXPECT_EQ(LaserColour(2), VECTOR3D(1, 0.5f, 0));
-    EXPECT_EQ(LaserColour(10), VECTOR3D(0.5f, 0, 1));
     for (int bad : {0, 11})
     {
         EXPECT_THROW(LaserColour(bad), FATALEXIT);
@@ -257,10 +249,8 @@ TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
     c->AcquireTarget();
     EXPECT_EQ(c->target, 0); // team 0 attacks anyone
 
-    EXPECT_TRUE(BarColour(0, 0.3f).r == 1 && BarColour(1, 0.3f).g == 1 && BarColour(1.25f, 0.3f).b == 0.5f);
-    EXPECT_TRUE(BarColour(1.75f, 0.3f).g == 0.5f && BarColour(2, 0.3f).b == 1);
-    a->primaryWeapon = -1;
-    EXPECT_STREQ(a->PrimaryWeaponName(), "-");
+    // The cockpit test sees the bar's end colours; these are between them.
+    EXPECT_TRUE(BarColour(1.25f, 0.3f).b == 0.5f && BarColour(1.75f, 0.3f).g == 0.5f);
     a->primaryWeapon = 2;
     EXPECT_EQ(Cp1250ToUtf8(a->PrimaryWeaponName()), "3. szintű lézer");
 
