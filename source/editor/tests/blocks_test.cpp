@@ -210,7 +210,9 @@ TEST_F(BlocksTest, EachOperationKeepsTheLevelSoundAndIsOneUndoStep)
         EXPECT_EQ(Filled(L.Things, MAX_THINGS), row.Things);
         ExpectSound(L);
         if (mirrored >= 0)
+        {
             EXPECT_EQ(Panel(L), panel);
+        }
         EXPECT_EQ(CheckLevel(L).size(), problems) << (CheckLevel(L).empty() ? "" : CheckLevel(L).back().Text);
         if (!row.Done)
         {

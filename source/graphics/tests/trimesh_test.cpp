@@ -204,7 +204,7 @@ TEST_F(TrimeshTest, TablesDropWhatDoesNotFit)
         m.AddVertex(float(i), 0, 0);
     EXPECT_TRUE(m.VertexCount() == TRIMESH_MAX_VERTICES && m.vertices[TRIMESH_MAX_VERTICES - 1]->x == float(TRIMESH_MAX_VERTICES - 1));
 
-    TRIANGLE t{{0, 1, 2}};
+    TRIANGLE t{{0, 1, 2}, {}};
     m.AddTriangle(t);
     ASSERT_EQ(m.TriangleCount(), 1);
     EXPECT_EQ(m.triangles[0]->normal, VECTOR3D(1, 0, 0)); // collinear: the fallback

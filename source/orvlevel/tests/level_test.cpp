@@ -121,8 +121,8 @@ TEST_F(LevelTest, DeleteNearest)
 {
     L->DeleteNearestLight({});
     L->DeleteNearestThing({});
-    L->Add(STATICLIGHT{{10, 0, 0}});
-    L->Add(STATICLIGHT{{-10, 0, 0}});
+    L->Add(STATICLIGHT{{10, 0, 0}, {}});
+    L->Add(STATICLIGHT{{-10, 0, 0}, {}});
     L->DeleteNearestLight({});
     EXPECT_TRUE(Filled(L->Lights, MAX_LIGHTS) == 1 && !L->Lights[0]);
 
