@@ -105,13 +105,10 @@ TEST_F(ControllerTest, ClicksFollowTheModes)
 TEST_F(ControllerTest, CommandTable)
 {
     L->CurrentSegment = 0, L->CurrentSide = 0, L->CurrentPoint = 0;
-    VECTOR3D p = *L->GetCurrentPointPtr();
-    Editor.Command(CM_POINTYMINUS);
-    EXPECT_EQ(*L->GetCurrentPointPtr(), p + VECTOR3D(0, -1, 0));
-    Editor.Command(CM_POINTZPLUS);
-    Editor.Command(CM_POINTXMINUS);
-    EXPECT_EQ(*L->GetCurrentPointPtr(), p + VECTOR3D(-1, -1, 1));
-    Editor.Command(CM_NEXTPOINT);
+    VECTOR3D *point = L->GetCurrentPointPtr(), p = *point;
+    for (int id : {CM_POINTYMINUS, CM_POINTZPLUS, CM_POINTXMINUS, CM_NEXTPOINT})
+        Editor.Command(id);
+    EXPECT_EQ(*point, p + VECTOR3D(-1, -1, 1));
     EXPECT_EQ(L->CurrentPoint, 1);
 
     Editor.Command(CM_NEWSEGMENT);

@@ -38,14 +38,13 @@ TEST_F(HistoryTest, UndoAndRedoWalkBackAndForthThroughExactImages)
 {
     L.CurrentSegment = 0, L.CurrentSide = 2;
     std::vector<std::vector<uint8_t>> images{L.Serialize()};
-    EXPECT_TRUE(Act(CM_NEWSEGMENT));
-    images.push_back(L.Serialize());
-    L.CurrentSegment = 1, L.CurrentSide = 1; // a pick: not a step of its own
-    EXPECT_FALSE(H.Checkpoint());
-    EXPECT_TRUE(Act(CM_POINTXPLUS));
-    images.push_back(L.Serialize());
-    EXPECT_TRUE(Act(CM_CALCULATELIGHTING));
-    images.push_back(L.Serialize());
+    for (int id : {CM_NEWSEGMENT, CM_POINTXPLUS, CM_CALCULATELIGHTING})
+    {
+        EXPECT_TRUE(Act(id));
+        images.push_back(L.Serialize());
+        L.CurrentSegment = 1, L.CurrentSide = 1; // a pick: not a step of its own
+        EXPECT_FALSE(H.Checkpoint());
+    }
     EXPECT_FALSE(Act(CM_NEXTPOINT)); // selection only
     EXPECT_EQ(H.Steps(), 3u);
 
@@ -58,9 +57,7 @@ TEST_F(HistoryTest, UndoAndRedoWalkBackAndForthThroughExactImages)
         EXPECT_EQ(L.Serialize(), images[size_t(step)]) << step;
         EXPECT_TRUE(L.CurrentSegment == selections[step][0] && L.CurrentSide == selections[step][1] && L.CurrentPoint == 0) << step;
     }
-    EXPECT_FALSE(H.Undo());
-    EXPECT_TRUE(H.Redo());
-    EXPECT_TRUE(H.Redo());
+    EXPECT_TRUE(!H.Undo() && H.Redo() && H.Redo());
     EXPECT_EQ(L.Serialize(), images[2]);
 
     // A new step drops what could have been redone; refusals add nothing.

@@ -19,7 +19,7 @@ protected:
     bool Move(VECTOR3D from, VECTOR3D* to) { return L->CollidePoint(&from, 0, nullptr, 5, true, to, true); }
 };
 
-TEST_F(CollisionTest, PointNearAWallIsPushedBack)
+TEST_F(CollisionTest, PointsNearAWallAreHeldBack)
 {
     for (int mode : {0, 1, 2})
     {
@@ -44,10 +44,8 @@ TEST_F(CollisionTest, PointNearAWallIsPushedBack)
     // An edge only counts where the foot of the point lies on it.
     VECTOR3D beyond(-1, 3, 0);
     EXPECT_FALSE(ORVLEVEL::CollideEdge({0, 0, 0}, {100, 0, 0}, &beyond, 5, true));
-}
 
-TEST_F(CollisionTest, SweptMotionStopsBeforeTheWall)
-{
+    // Swept motion stops before the wall.
     VECTOR3D to(50, 110, 50);
     EXPECT_TRUE(Move({50, 90, 50}, &to));
     ExpectNear(to, {50, 95, 50});

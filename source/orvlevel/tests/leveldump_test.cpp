@@ -37,9 +37,7 @@ TEST(JsonWriterTest, NumbersAreShortestAndTextsEscaped)
     }
 }
 
-class LevelDumpTest : public PlatformTest
-{
-};
+using LevelDumpTest = PlatformTest;
 
 TEST_F(LevelDumpTest, LevelTextsAndSmallTablesAppearInIndexOrder)
 {

@@ -21,37 +21,28 @@ void MakeCube(THING& t, VECTOR3D p, float h)
 } // namespace
 
 // The record layout is pinned by the level file tests' bytes.
-TEST(Thing, ShortRecordIsRefusedAndTheBaseClassWritesNone)
+TEST(Thing, ShortRecordControlAndBox)
 {
     THING t, u;
-    BINWRITER w;
+    BINWRITER w, none;
     t.WriteMembers(w);
     BINREADER shortRead(w.Bytes.data(), w.Bytes.size() - 1);
     EXPECT_FALSE(u.ReadMembers(shortRead));
-    BINWRITER none;
-    t.WriteRecord(none, 3);
+    t.WriteRecord(none, 3); // the base class writes no record
     EXPECT_EQ(none.Size(), 0u);
-}
 
-TEST(Thing, ControlMovesTheFrameAndIgnoresUnknownCommands)
-{
-    THING t;
-    for (int how : {0, 12, -1})
+    for (int how : {0, 12, -1}) // unknown commands are ignored
         t.Control(how, 10.0f);
     EXPECT_TRUE(t.position == VECTOR3D(0, 0, 10) && t.axisX == VECTOR3D(0, 0, 1)); // along axisX
-}
 
-TEST(Thing, BoxFromBoundsInEitherOrder)
-{
-    THING t;
+    // Bounds in either order.
     t.position = {10, 0, 0};
     t.boxXLow = 2, t.boxXHigh = 6; // along axisX = +z
     t.boxYLow = -1, t.boxYHigh = 1;
     t.boxZLow = -4, t.boxZHigh = 0;
     THINGBOX b = t.GetBox();
     EXPECT_EQ(b.Centre, VECTOR3D(10 - 2, 0, 4));
-    EXPECT_EQ(b.HalfX, VECTOR3D(0, 0, 4)); // (|2| + |6|) / 2
-    EXPECT_TRUE(b.HalfY == VECTOR3D(0, 1, 0) && b.HalfZ == VECTOR3D(2, 0, 0));
+    EXPECT_TRUE(b.HalfX == VECTOR3D(0, 0, 4) && b.HalfY == VECTOR3D(0, 1, 0) && b.HalfZ == VECTOR3D(2, 0, 0));
 }
 
 TEST(Thing, RandomOffsetsStayInsideTheirShapes)
