@@ -82,17 +82,8 @@ void ORVEDITOR::PlaceStartPoint()
 
 void ORVEDITOR::PlaceEnemyShip()
 {
-    auto* ship = new SPACESHIP();
     // The ship takes the camera's whole frame and stays where it was put.
-    ship->position = Camera.Position;
-    ship->axisY = Camera.Up;
-    ship->axisZ = Camera.Right;
-    ship->axisX = Camera.ViewDir;
-    ship->playerControlled = 0;
-    ship->team = 3;
-    ship->target = -1;
-    ship->goal = ship->position;
-    HandToLevel(&Level(), ship);
+    HandToLevel(&Level(), NewShipAt(Camera, 3, 0));
 }
 
 template <class ITEM>

@@ -37,15 +37,7 @@ PLAYSESSION::PLAYSESSION(const ORVLEVEL& level, const CAMERA& start) : Eye(start
     Copy->DisplayList = 0;
     Copy->CurrentSegment = -1;
 
-    auto* ship = new SPACESHIP;
-    ship->position = start.Position;
-    ship->axisX = start.ViewDir;
-    ship->axisY = start.Up;
-    ship->axisZ = start.Right;
-    ship->playerControlled = 1;
-    ship->team = 1;
-    ship->target = -1;
-    ship->goal = ship->position;
+    SPACESHIP* ship = NewShipAt(start, 1, 1);
     // Known from the start, so that the shop opens before the first tick.
     ship->segment = Copy->FindSegment(ship->position);
     Slot = Copy->AddThing(ship);

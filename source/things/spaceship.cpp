@@ -467,3 +467,17 @@ const char* SPACESHIP::SecondaryWeaponName() const
         std::snprintf(name, sizeof name, "%s", Utf8ToCp1250("TEMPEST rakéta").c_str());
     return name;
 }
+
+SPACESHIP* NewShipAt(const CAMERA& frame, int32_t team, int32_t playerControlled)
+{
+    auto* ship = new SPACESHIP;
+    ship->position = frame.Position;
+    ship->axisX = frame.ViewDir;
+    ship->axisY = frame.Up;
+    ship->axisZ = frame.Right;
+    ship->playerControlled = playerControlled;
+    ship->team = team;
+    ship->target = -1;
+    ship->goal = ship->position;
+    return ship;
+}

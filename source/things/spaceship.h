@@ -3,6 +3,7 @@
 // message log, its own flying behaviour and the shop state.
 #pragma once
 
+#include "math/camera.h"
 #include "things/thing.h"
 
 class LASERSHOT;
@@ -108,3 +109,7 @@ private:
     // Readies a new shot or missile at `muzzle` in the ship's frame.
     void Launch(LASERSHOT* shot, VECTOR3D muzzle, float damage, float speed);
 };
+
+// A ship standing in a camera's frame (position; view, up and right as its
+// axes X, Y and Z), aiming at nothing, its goal where it stands.
+SPACESHIP* NewShipAt(const CAMERA& frame, int32_t team, int32_t playerControlled);
