@@ -55,18 +55,6 @@ protected:
     int AddCubeAbove() { return ::AddCubeAbove(*L); }
 };
 
-// Its bytes are pinned by the level file tests.
-TEST_F(LevelTest, DefaultLevel)
-{
-    for (int i = 0; i < 6; ++i)
-    {
-        // Every side's normal must point into the cube.
-        const VECTOR3D* c = L->GetSideCorners(0, i);
-        EXPECT_GT(Dot(TriangleNormal(c[0], c[1], c[2]), VECTOR3D() - c[0]), 0.0f) << "side " << i;
-    }
-    ExpectNoSelection();
-}
-
 TEST_F(LevelTest, LowestFreeSlotAndFullTables)
 {
     L->DeletePoint(6);
@@ -76,6 +64,15 @@ TEST_F(LevelTest, LowestFreeSlotAndFullTables)
     EXPECT_EQ(Filled(L->Points, MAX_POINTS), MAX_POINTS);
     L->DeletePoint(MAX_POINTS - 1);
     EXPECT_EQ(L->Add(VECTOR3D()), MAX_POINTS - 1);
+    EXPECT_FALSE(L->PutPoint(-1, VECTOR3D()) || L->PutSegment(MAX_SEGMENTS, *L->Segments[0]));
+
+    // A segment's address names its slot; a copy's, or a dropped one's, none.
+    SEGMENT copy = *L->Segments[0];
+    ASSERT_TRUE(L->PutSegment(9, copy));
+    SEGMENT* nine = L->Segments[9];
+    EXPECT_TRUE(L->SegmentIndexOf(nine) == 9 && L->SegmentIndexOf(&copy) == -1);
+    L->DropSegment(9);
+    EXPECT_TRUE(!L->Segments[9] && L->SegmentIndexOf(nine) == -1);
 
     EXPECT_EQ(L->AddThing(nullptr), -1);
     auto* t = new COUNTED({5, 6, 7});

@@ -384,20 +384,3 @@ TEST_F(LevelIndexTest, OnlyOddAndEditedCellsAreTestedByEveryQuery)
     EXPECT_EQ(index.Loose, (std::vector<int32_t>{0, 1}));
     EXPECT_EQ(index.Left, 2);
 }
-
-TEST_F(LevelIndexTest, SegmentAddressesNameTheirSlotsOnly)
-{
-    SEGMENT copy = *A->Segments[0];
-    EXPECT_EQ(A->SegmentIndexOf(A->Segments[0]), 0);
-    EXPECT_EQ(A->SegmentIndexOf(&copy), -1);
-    EXPECT_TRUE(A->PutSegment(9, copy));
-    SEGMENT* nine = A->Segments[9];
-    EXPECT_EQ(A->SegmentIndexOf(nine), 9);
-    EXPECT_EQ(A->SegmentIndexOf(reinterpret_cast<SEGMENT*>(reinterpret_cast<char*>(nine) + 4)), -1);
-    A->DropSegment(9);
-    EXPECT_EQ(A->Segments[9], nullptr);
-    EXPECT_EQ(A->SegmentIndexOf(nine), -1);
-    EXPECT_FALSE(A->PutSegment(MAX_SEGMENTS, copy));
-    EXPECT_FALSE(A->PutPoint(-1, VECTOR3D()));
-    EXPECT_EQ(A->Add(&copy), 1); // the lowest free slot, as before
-}
