@@ -62,16 +62,6 @@ TEST(LevelDiff, NamesEachChangeByItsDumpPath)
              b.AddThing(t);
              return std::vector<std::string>{"things[0].position[0]: 0 -> 5", "things[0].oldPosition[0]: 0 -> 5"};
          }},
-        {"light", [](ORVLEVEL& a, ORVLEVEL& b) {
-             a.Add(STATICLIGHT{{0, 0, 0}, {1, 1, 1}, 100});
-             b.Add(STATICLIGHT{{0, 0, 0}, {1, 0.5f, 1}, 100});
-             return std::vector<std::string>{"lights[0].colour[1]: 1 -> 0.5"};
-         }},
-        {"special point", [](ORVLEVEL& a, ORVLEVEL& b) {
-             a.Add(SPECPOINT{{0, 0, 0}, 0});
-             b.Add(SPECPOINT{{0, 0, 0}, 1});
-             return std::vector<std::string>{"specPoints[0].type: 0 -> 1"};
-         }},
     };
     for (const CASE& c : cases)
     {
