@@ -320,31 +320,6 @@ TEST_F(LevelIndexTest, AnswersAsTheScansOnAwkwardCellsAndAfterEveryEdit)
     }
 }
 
-// FindSegment skips a cell for points outside its box only where the cell's
-// side planes provably hold nothing out there; badly bent cells often do.
-TEST_F(LevelIndexTest, BentCellsAreSkippedOnlyWhereTheyHoldNothing)
-{
-    A->DeleteSegment(0);
-    std::vector<VECTOR3D> centres;
-    for (int n = 0; n < 200; ++n)
-    {
-        VECTOR3D at(float(n % 8) * 1000, float(n / 8 % 5) * 1000, float(n / 40) * 1000);
-        float bend = Uniform(0.1f, 0.9f) * 200;
-        SEGMENT s;
-        for (int k = 0; k < 8; ++k)
-            s.Corners[k] = A->Add(DefaultCubeCorners[k] + at + Jitter(bend));
-        A->Add(&s);
-        centres.push_back(at);
-    }
-    // Mostly just outside the cells' boxes, where a bent cell's planes may
-    // still hold points.
-    for (int n = 0; n < 20000; ++n)
-    {
-        VECTOR3D p = centres[size_t(Below(int(centres.size())))] + Jitter(400);
-        ASSERT_EQ(A->FindSegment(p), ScanFind(*A, p)) << n;
-    }
-}
-
 // The grid takes every well-formed cell, and an edit sends only the cells it
 // touched to the list every query tests.
 TEST_F(LevelIndexTest, OnlyOddAndEditedCellsAreTestedByEveryQuery)
