@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <tuple>
 
 namespace {
 
@@ -58,9 +59,9 @@ TEST_F(LevelEditTest, NewSegmentFromEachSideOfTheCube)
         {
             const VECTOR3D* c = L->GetSideCorners(1, k); // every normal points in
             EXPECT_GT(Dot(TriangleNormal(c[0], c[1], c[2]), centre - c[0]), 0) << side;
-            EXPECT_EQ(b.Neighbours[k], k == 5 ? 0 : -1);
-            EXPECT_EQ(b.Sides[k].WallType, k == 5 ? WALL_PASSABLE : WALL_NORMAL);
-            EXPECT_EQ(b.Sides[k].Texture, k == 5 ? -1 : 0);
+            // Only the side it grew from is open, untextured and joined.
+            EXPECT_EQ(std::tuple(b.Neighbours[k], b.Sides[k].WallType, b.Sides[k].Texture),
+                      k == 5 ? std::tuple(0, WALL_PASSABLE, -1) : std::tuple(-1, WALL_NORMAL, 0));
             ExpectPairs(b.Sides[k].TexCoords, {{1, 1}, {0, 1}, {0, 0}, {1, 0}});
         }
         EXPECT_TRUE(a.Neighbours[side] == 1 && a.Sides[side].Texture == -1 && a.Sides[side].WallType == WALL_PASSABLE);
@@ -86,18 +87,15 @@ TEST_F(LevelEditTest, NewSegmentDepthAndRefusals)
         L->DeletePoint(p);
     Select(0, 4);
     L->NewSegment();
-    EXPECT_EQ(P().Beeps, 1);
-    EXPECT_EQ(Points(), MAX_POINTS - 3);
-    EXPECT_EQ(L->Segments[0]->Neighbours[4], -1);
-    EXPECT_EQ(L->Segments[0]->Sides[4].WallType, WALL_NORMAL);
+    EXPECT_TRUE(P().Beeps == 1 && Points() == MAX_POINTS - 3);
+    EXPECT_TRUE(L->Segments[0]->Neighbours[4] == -1 && L->Segments[0]->Sides[4].WallType == WALL_NORMAL);
 
     // A fourth slot: the points fill them lowest first, at the depth of the
     // mean edge, 200.
     L->DeletePoint(30000);
     L->NewSegment();
     ASSERT_EQ(Segments(), 2);
-    EXPECT_EQ(L->Segments[1]->Corners[3], 9);
-    EXPECT_EQ(L->Segments[1]->Corners[0], 30000);
+    EXPECT_TRUE(L->Segments[1]->Corners[3] == 9 && L->Segments[1]->Corners[0] == 30000);
     EXPECT_EQ(L->PointAt(39999)->z, 300.0f);
 
     // No segment slot left.
@@ -106,8 +104,7 @@ TEST_F(LevelEditTest, NewSegmentDepthAndRefusals)
         L->DeletePoint(p);
     Select(0, 2);
     L->NewSegment();
-    EXPECT_EQ(P().Beeps, 2);
-    EXPECT_EQ(Points(), MAX_POINTS - 4);
+    EXPECT_TRUE(P().Beeps == 2 && Points() == MAX_POINTS - 4);
     EXPECT_EQ(L->Segments[0]->Sides[2].WallType, WALL_NORMAL);
 }
 
