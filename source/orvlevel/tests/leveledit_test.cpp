@@ -6,7 +6,6 @@
 #include "platform/tests/testplatform.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <tuple>
 
@@ -27,11 +26,8 @@ protected:
     std::unique_ptr<ORVLEVEL> L = std::make_unique<ORVLEVEL>();
     CAMERA Cam;
     void Select(int seg, int side, int point = 0) { L->CurrentSegment = seg, L->CurrentSide = side, L->CurrentPoint = point; }
-    int Points() { return int(std::count_if(L->Points, L->Points + MAX_POINTS, [](auto p) { return p; })); }
-    int Segments() { return int(std::count_if(L->Segments, L->Segments + MAX_SEGMENTS, [](auto p) { return p; })); }
-    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
-    void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
-    void Click() { L->PickSide(320, 240, Cam, 640, 480); }
+    int Points() { return Filled(L->Points, MAX_POINTS); }
+    int Segments() { return Filled(L->Segments, MAX_SEGMENTS); }
 };
 
 } // namespace
@@ -115,7 +111,7 @@ TEST_F(LevelEditTest, JoinSidesWithEveryShift)
     for (auto [shift, s] : {std::pair{0, 0}, {1, 1}, {2, 2}, {3, 3}, {7, 3}, {-1, 3}, {-6, 2}})
     {
         L = std::make_unique<ORVLEVEL>();
-        int b = AddCube({0, 300, 0});
+        int b = AddCubeCopy(*L, {0, 300, 0});
         EXPECT_FALSE(L->JoinSides(b, 2, b, 2, shift));
         ASSERT_TRUE(L->JoinSides(0, 0, b, 2, shift));
         const SEGMENT& A = *L->Segments[0];
@@ -175,7 +171,7 @@ TEST_F(LevelEditTest, PickSideFromTheStartUpCamera)
         L->PickSide(x, y, Cam, 640, 480);
         EXPECT_TRUE(L->CurrentSegment == 0 && L->CurrentSide == side) << x << "," << y;
     }
-    Click();
+    L->PickSide(320, 240, Cam, 640, 480);
     EXPECT_EQ(L->CurrentSide, 2);
 
     // A miss, or an empty view, with nothing selected: still nothing.
@@ -186,19 +182,6 @@ TEST_F(LevelEditTest, PickSideFromTheStartUpCamera)
     EXPECT_EQ(L->CurrentSide, 0);
     // Which face is nearest, and that back faces never count, is checked
     // against a plain scan in the index tests.
-}
-
-// Successful joins and fits by click are the controller's tests.
-TEST_F(LevelEditTest, ClickWithoutASideOnlySelects)
-{
-    int b = AddCube({0, 400, 0});
-    Look({0, 400, 0}, {0, -1, 0}, {0, 0, -1}); // inside b, looking down
-    // No side before the click: the click only selects.
-    EXPECT_FALSE(L->JoinWithPicked(320, 240, Cam, 640, 480, 3));
-    EXPECT_TRUE(L->CurrentSegment == b && L->CurrentSide == 2);
-    L->CurrentSegment = 3000;
-    EXPECT_FALSE(L->FitTextureToPicked(320, 240, Cam, 640, 480));
-    EXPECT_EQ(L->CurrentSegment, b);
 }
 
 TEST_F(LevelEditTest, DeleteMoveAndRestore)
