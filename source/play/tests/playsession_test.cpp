@@ -76,13 +76,7 @@ TEST_F(PlaySessionTest, AWallStopsTheShip)
 
 TEST_F(PlaySessionTest, WeaponsFireInSalvosAsCooldownAndStoresAllow)
 {
-    struct CASE
-    {
-        int Action;
-        float Energy;
-        float EnergyAfter;
-        int32_t TempestsAfter;
-    };
+    struct CASE { int Action; float Energy, EnergyAfter; int32_t TempestsAfter; };
     // 25 ticks held: lasers fire at ticks 1, 11 and 21 (0.3 each) while the
     // energy lasts; missiles at ticks 1 and 21.
     const CASE cases[] = {
@@ -115,21 +109,14 @@ TEST_F(PlaySessionTest, AnEnemyAttacksAndTheEditedLevelStaysAsItWas)
     const std::vector<uint8_t> bytes = Edited.Serialize();
     const uint64_t revision = Edited.Revision;
 
-    std::vector<uint8_t> result[2];
-    for (auto& r : result)
-    {
-        SRand(5);
-        PLAYSESSION s(Edited, At({0, 0, 50}));
-        EXPECT_EQ(s.ShipSlot(), 1);
-        Run(s, 60);
-        ASSERT_NE(s.Ship(), nullptr);
-        EXPECT_LT(s.Ship()->shield, 100.0f);
-        r = s.Level().Serialize();
-    }
-    EXPECT_EQ(result[0], result[1]); // the same seed and input, the same battle
+    SRand(5);
+    PLAYSESSION s(Edited, At({0, 0, 50}));
+    EXPECT_EQ(s.ShipSlot(), 1);
+    Run(s, 60);
+    ASSERT_NE(s.Ship(), nullptr);
+    EXPECT_LT(s.Ship()->shield, 100.0f);
     EXPECT_EQ(Edited.Revision, revision);
     EXPECT_EQ(Edited.Serialize(), bytes);
-    EXPECT_EQ(Filled(Edited.Things, MAX_THINGS), 1);
 }
 
 TEST_F(PlaySessionTest, TheLastPictureStaysTwoSecondsAfterTheShipIsGone)
