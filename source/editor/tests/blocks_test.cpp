@@ -217,13 +217,6 @@ TEST_F(BlocksTest, MarksFollowTheSegmentsAndBlockFilesPasteAsCopiesDo)
     ASSERT_TRUE(BlockPaste(Editor));
     EXPECT_EQ(L.Serialize(), copied);
     EXPECT_EQ(BlockLoad(Editor, (dir.Path / "none").string()), BLOCKFILE_FAILED);
-
-    // Opening a level forgets the marks.
-    ASSERT_TRUE(Doc.SaveAs(file));
-    BlockMarkAll(Editor);
-    EXPECT_EQ(Doc.Marks.Count(), 5);
-    ASSERT_TRUE(Doc.Open(file));
-    EXPECT_EQ(Doc.Marks.Count(), 0);
 }
 
 TEST_F(BlocksTest, SpreadTextureRunsOnAcrossFlatWallsOnly)

@@ -27,6 +27,8 @@ public:
         axisX = {1, 0, 0}, axisY = {0, 1, 0}, axisZ = {0, 0, 1};
         boxXLow = boxYLow = boxZLow = -h;
         boxXHigh = boxYHigh = boxZHigh = h;
+        oldPosition = p;
+        oldAxisX = axisX, oldAxisY = axisY, oldAxisZ = axisZ;
     }
     ~BLOCK() override
     {
@@ -49,8 +51,6 @@ protected:
     BLOCK* Put(int slot, VECTOR3D p, float h)
     {
         auto* b = new BLOCK(p, h);
-        b->oldPosition = p;
-        b->oldAxisX = b->axisX, b->oldAxisY = b->axisY, b->oldAxisZ = b->axisZ;
         L->Things[slot] = b;
         b->Level = L.get();
         return b;
