@@ -1,3 +1,5 @@
+// The editor's commands and clicks, its undo history and the document's
+// revision, name and modified state.
 #include "editor/controller.h"
 
 #include "math/geometry.h"
@@ -6,37 +8,59 @@
 #include "platform/tests/testplatform.h"
 #include "things/pickup.h"
 #include "things/spaceship.h"
+#include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
-#include <memory>
+#include <functional>
 
 namespace {
 
 class ControllerTest : public PlatformTest
 {
 protected:
-    ControllerTest() { Editor.JoinDialog = [this] { ++Dialogs; return Shift; }; }
+    ControllerTest()
+    {
+        LoadThingMeshes();
+        RegisterThingClasses();
+        Editor.JoinDialog = [this] { ++Dialogs; return Shift; };
+    }
     ORVEDOCUMENT Doc;
-    ORVLEVEL* L = &Doc.Level();
+    ORVLEVEL& L = Doc.Level();
+    ORVEHISTORY& H = Doc.History;
     CAMERA Cam;
     ORVEDITOR Editor{Doc, Cam};
     int Dialogs = 0;
     int32_t Shift = 0;
     void Look(VECTOR3D from, VECTOR3D dir, VECTOR3D up) { Cam.Position = from, Cam.ViewDir = dir, Cam.Up = up, Cam.Right = Cross(dir, up); }
-    int AddCube(VECTOR3D offset, int32_t type = SEGTYPE_NORMAL) { return AddCubeCopy(*L, offset, type); }
+
+    // One user action, as the window runs it.
+    bool Act(int id)
+    {
+        H.Begin();
+        Editor.Command(id);
+        return H.Checkpoint();
+    }
+    // Whether running `change` advanced the revision.
+    bool Advances(const std::function<void()>& change)
+    {
+        uint64_t before = Doc.Revision();
+        change();
+        return Doc.Revision() > before;
+    }
 };
 
 } // namespace
 
 TEST_F(ControllerTest, JoinModeSwitching)
 {
-    L->CurrentSegment = -1;
+    L.CurrentSegment = -1;
     EXPECT_TRUE(Editor.Command(CM_JOINMODE));
     EXPECT_TRUE(!Editor.JoinMode && P().Beeps == 1 && Dialogs == 0);
 
-    L->CurrentSegment = 0;
+    L.CurrentSegment = 0;
     Shift = 2;
     Editor.Command(CM_JOINMODE);
     EXPECT_TRUE(Editor.JoinMode && Editor.JoinShift == 2 && Dialogs == 1);
@@ -52,86 +76,82 @@ TEST_F(ControllerTest, JoinModeSwitching)
         EXPECT_EQ(ORVEDITOR::ShiftFromEntry(entry), shift) << entry;
 
     // Fit mode: the same rule, no dialog.
-    L->CurrentSegment = 7;
+    L.CurrentSegment = 7;
     Editor.Command(CM_FITMODE);
     EXPECT_TRUE(!Editor.FitMode && P().Beeps == 2);
-    L->CurrentSegment = 0;
+    L.CurrentSegment = 0;
     Editor.Command(CM_FITMODE);
     EXPECT_TRUE(Editor.FitMode);
 }
 
 TEST_F(ControllerTest, ClicksFollowTheModes)
 {
-    int b = AddCube({0, 400, 0});
+    int b = AddCubeCopy(L, {0, 400, 0});
     Look({0, 400, 0}, {0, -1, 0}, {0, 0, -1}); // inside b, looking at its side 2
 
     // A failed join (the selected side clicked again) beeps, keeps the mode
     // and still picks.
-    L->CurrentSegment = b, L->CurrentSide = 2;
+    L.CurrentSegment = b, L.CurrentSide = 2;
     Editor.Command(CM_JOINMODE);
     ASSERT_TRUE(Editor.JoinMode);
     Editor.LeftClick(320, 240);
-    EXPECT_TRUE(P().Beeps == 1 && Editor.JoinMode && L->CurrentSegment == b && L->CurrentSide == 2);
+    EXPECT_TRUE(P().Beeps == 1 && Editor.JoinMode && L.CurrentSegment == b && L.CurrentSide == 2);
 
     // Both modes: the join comes first, succeeds and ends join mode; it has
     // moved the selection to the clicked side, so the fit that follows has
     // the same side twice, fails and beeps, and fit mode stays on.
     Editor.Command(CM_FITMODE);
-    L->CurrentSegment = 0, L->CurrentSide = 0;
+    L.CurrentSegment = 0, L.CurrentSide = 0;
     Editor.LeftClick(320, 240);
-    EXPECT_TRUE(L->FindSegment({0, 200, 0}) == b && P().Beeps == 2 && !Editor.JoinMode && Editor.FitMode);
-    EXPECT_TRUE(L->CurrentSegment == b && L->CurrentSide == 2);
+    EXPECT_TRUE(L.FindSegment({0, 200, 0}) == b && P().Beeps == 2 && !Editor.JoinMode && Editor.FitMode);
+    EXPECT_TRUE(L.CurrentSegment == b && L.CurrentSide == 2);
 
     // Fit mode alone carries the texture from the selected side.
-    L->CurrentSegment = 0, L->CurrentSide = 2;
+    L.CurrentSegment = 0, L.CurrentSide = 2;
     Look({0, 0, 0}, {-1, 0, 0}, {0, 1, 0});
     Editor.LeftClick(320, 240);
-    EXPECT_TRUE(P().Beeps == 2 && L->CurrentSegment == 0 && L->CurrentSide == 3);
-    const TEXPAIR* t = L->Segments[0]->Sides[3].TexCoords;
+    EXPECT_TRUE(P().Beeps == 2 && L.CurrentSegment == 0 && L.CurrentSide == 3);
+    const TEXPAIR* t = L.Segments[0]->Sides[3].TexCoords;
     EXPECT_TRUE(std::fabs(t[0].s + 1) < 1e-4f && std::fabs(t[0].t - 1) < 1e-4f);
 
     // A click into nothing leaves side 0 of the segment selected: fitting
-    // side 0 to itself fails. Without modes a click only picks.
-    L->CurrentSide = 0;
+    // side 0 to itself fails.
+    L.CurrentSide = 0;
     Look({0, 0, 5000}, {0, 0, 1}, {0, 1, 0});
     Editor.LeftClick(320, 240);
     EXPECT_TRUE(P().Beeps == 3 && Editor.FitMode);
-    Editor.Command(CM_FITMODE);
-    Look({0, 0, 0}, {-1, 0, 0}, {0, 1, 0});
-    Editor.LeftClick(320, 240);
-    EXPECT_TRUE(P().Beeps == 3 && L->CurrentSegment == 0 && L->CurrentSide == 3);
 }
 
 TEST_F(ControllerTest, CommandTable)
 {
-    L->CurrentSegment = 0, L->CurrentSide = 0, L->CurrentPoint = 0;
-    VECTOR3D *point = L->GetCurrentPointPtr(), p = *point;
+    L.CurrentSegment = 0, L.CurrentSide = 0, L.CurrentPoint = 0;
+    VECTOR3D *point = L.GetCurrentPointPtr(), p = *point;
     for (int id : {CM_POINTYMINUS, CM_POINTZPLUS, CM_POINTXMINUS, CM_NEXTPOINT})
         Editor.Command(id);
     EXPECT_EQ(*point, p + VECTOR3D(-1, -1, 1));
-    EXPECT_EQ(L->CurrentPoint, 1);
+    EXPECT_EQ(L.CurrentPoint, 1);
 
     Editor.Command(CM_NEWSEGMENT);
-    ASSERT_NE(L->Segments[1], nullptr);
-    L->CurrentSegment = 1;
+    ASSERT_NE(L.Segments[1], nullptr);
+    L.CurrentSegment = 1;
     Editor.Command(CM_DELETESEGMENT);
-    EXPECT_EQ(L->Segments[1], nullptr);
+    EXPECT_EQ(L.Segments[1], nullptr);
 
     Cam.Position = {5, 6, 7};
     Editor.Command(CM_STARTPOINT);
-    ASSERT_NE(L->SpecPoints[0], nullptr);
-    EXPECT_TRUE(L->SpecPoints[0]->Position == VECTOR3D(5, 6, 7) && L->SpecPoints[0]->Type == 0);
+    ASSERT_NE(L.SpecPoints[0], nullptr);
+    EXPECT_TRUE(L.SpecPoints[0]->Position == VECTOR3D(5, 6, 7) && L.SpecPoints[0]->Type == 0);
     Editor.Command(CM_DELETENEARESTSPECPOINT);
-    EXPECT_EQ(L->SpecPoints[0], nullptr);
+    EXPECT_EQ(L.SpecPoints[0], nullptr);
 
-    L->Segments[0]->Sides[0].Texture = 0;
-    L->NewLight({0, 0, 0}, 255, 0, 0, 100);
+    L.Segments[0]->Sides[0].Texture = 0;
+    L.NewLight({0, 0, 0}, 255, 0, 0, 100);
     Editor.Command(CM_CALCULATELIGHTING);
-    EXPECT_LT(L->Segments[0]->Sides[0].Colours[0].y, 1.0f);
+    EXPECT_LT(L.Segments[0]->Sides[0].Colours[0].y, 1.0f);
     Editor.Command(CM_FULLBRIGHTNESS);
-    EXPECT_EQ(L->Segments[0]->Sides[0].Colours[0].y, 1.0f);
+    EXPECT_EQ(L.Segments[0]->Sides[0].Colours[0].y, 1.0f);
     Editor.Command(CM_DELETENEARESTLIGHT);
-    EXPECT_EQ(L->Lights[0], nullptr);
+    EXPECT_EQ(L.Lights[0], nullptr);
 
     // Dialog, file and disabled commands are not the controller's.
     for (int id : {int(CM_NEWLEVEL), int(CM_OPEN), int(CM_EXIT), int(CM_TEXTURES), int(CM_NEWLIGHT), int(CM_ABOUT), 0, INT_MAX})
@@ -141,7 +161,6 @@ TEST_F(ControllerTest, CommandTable)
 
 TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
 {
-    LoadThingMeshes();
     // A rolled view: Up is not the world's up.
     Look({10, -20, 30}, {0, 0, -1}, {1, 0, 0});
     const struct { int Id; const char* Class; } items[] = {{CM_SHIELDBONUS, "P_SHIELD"}, {CM_ENERGYBONUS, "P_ENERGY"}, {CM_TEMPESTPICKUP, "P_TEMPEST"},
@@ -150,7 +169,7 @@ TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
     {
         SCOPED_TRACE(items[i].Class);
         EXPECT_TRUE(ORVEDITOR::HasCommand(items[i].Id) && Editor.Command(items[i].Id));
-        THING* t = L->Things[i];
+        THING* t = L.Things[i];
         ASSERT_NE(dynamic_cast<PICKUP*>(t), nullptr);
         EXPECT_STREQ(t->ClassName(), items[i].Class);
         EXPECT_TRUE(t->position == Cam.Position && t->oldPosition == Cam.Position);
@@ -158,27 +177,145 @@ TEST_F(ControllerTest, ObjectPlacementAtTheCamera)
     }
 
     EXPECT_TRUE(ORVEDITOR::HasCommand(CM_ENEMYSHIP) && Editor.Command(CM_ENEMYSHIP));
-    auto* ship = dynamic_cast<SPACESHIP*>(L->Things[5]);
+    auto* ship = dynamic_cast<SPACESHIP*>(L.Things[5]);
     ASSERT_NE(ship, nullptr);
     EXPECT_TRUE(ship->position == Cam.Position && ship->goal == Cam.Position);
     EXPECT_TRUE(ship->axisX == Cam.ViewDir && ship->axisY == Cam.Up && ship->axisZ == Cam.Right && ship->oldAxisY == Cam.Up);
     EXPECT_TRUE(ship->playerControlled == 0 && ship->team == 3 && ship->target == -1);
+}
 
-    // The nearest object goes, and only that one.
-    L->Things[2]->position = {500, 0, 0};
-    Cam.Position = {450, 0, 0};
-    EXPECT_TRUE(ORVEDITOR::HasCommand(CM_DELETENEARESTTHING) && Editor.Command(CM_DELETENEARESTTHING));
-    EXPECT_TRUE(!L->Things[2] && L->Things[5] == ship);
+TEST_F(ControllerTest, UndoAndRedoWalkBackAndForthThroughExactImages)
+{
+    L.CurrentSegment = 0, L.CurrentSide = 2;
+    std::vector<std::vector<uint8_t>> images{L.Serialize()};
+    for (int id : {CM_NEWSEGMENT, CM_POINTXPLUS, CM_CALCULATELIGHTING})
+    {
+        EXPECT_TRUE(Act(id));
+        images.push_back(L.Serialize());
+        L.CurrentSegment = 1, L.CurrentSide = 1; // a pick: not a step of its own
+        EXPECT_FALSE(H.Checkpoint());
+    }
+    EXPECT_FALSE(Act(CM_NEXTPOINT)); // selection only
+    EXPECT_EQ(H.Steps(), 3u);
 
-    // A full table keeps what it has; the new object is not stored.
-    ORVEDOCUMENT full;
-    ORVEDITOR editor(full, Cam);
-    P().Reset();
-    for (int i = 0; i < MAX_THINGS; ++i)
-        full.Level().Things[i] = new THING;
-    editor.Command(CM_ENEMYSHIP);
-    editor.Command(CM_SHIPLEVEL);
-    for (int i = 0; i < MAX_THINGS; ++i)
-        ASSERT_STREQ(full.Level().Things[i]->ClassName(), "THING") << i;
+    // Each undo gives the image before its step, and the selection that
+    // step started from.
+    const int32_t selections[3][2] = {{0, 2}, {1, 1}, {1, 1}};
+    for (int step = 2; step >= 0; --step)
+    {
+        EXPECT_TRUE(H.Undo());
+        EXPECT_EQ(L.Serialize(), images[size_t(step)]) << step;
+        EXPECT_TRUE(L.CurrentSegment == selections[step][0] && L.CurrentSide == selections[step][1] && L.CurrentPoint == 0) << step;
+    }
+    EXPECT_TRUE(!H.Undo() && H.Redo() && H.Redo());
+    EXPECT_EQ(L.Serialize(), images[2]);
+
+    // A new step drops what could have been redone; refusals add nothing.
+    L.CurrentSegment = -1;
+    EXPECT_FALSE(Act(CM_NEWSEGMENT));
+    EXPECT_TRUE(H.CanRedo());
+    L.CurrentSegment = 0;
+    EXPECT_TRUE(Act(CM_POINTYPLUS));
+    EXPECT_FALSE(H.CanRedo());
     EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(ControllerTest, UndoingADeletedShipLeavesNothingBehind)
+{
+    Cam.Position = {10, 0, 0};
+    EXPECT_TRUE(Act(CM_ENEMYSHIP));
+    const std::vector<uint8_t> withShip = L.Serialize();
+    EXPECT_TRUE(Act(CM_DELETENEARESTTHING)); // the ship's explosion and drops arrive
+    EXPECT_NE(L.Things[1], nullptr);
+
+    EXPECT_TRUE(H.Undo());
+    EXPECT_EQ(L.Serialize(), withShip);
+    EXPECT_EQ(std::count_if(L.Things, L.Things + MAX_THINGS, [](THING* t) { return t; }), 1);
+    EXPECT_EQ(L.Things[0]->Level, &L);
+}
+
+TEST_F(ControllerTest, HistoryMemoryStaysBounded)
+{
+    ORVEHISTORY small(L, L.Serialize().size() * 3);
+    L.CurrentSegment = 0;
+    for (int i = 0; i < 50; ++i)
+    {
+        small.Begin();
+        L.CalculateLighting(); // every colour changes: a step as large as the level
+        L.FullBrightness();
+        L.MovePoint(1, 0, 0);
+        EXPECT_TRUE(small.Checkpoint());
+        EXPECT_LE(small.MemoryUsed(), L.Serialize().size() * 3);
+    }
+    EXPECT_TRUE(small.Steps() > 0u && small.Steps() < 50u);
+}
+
+TEST_F(ControllerTest, EveryChangeAdvancesTheRevisionAndNothingElseDoes)
+{
+    EXPECT_TRUE(TheLevel == &L && !Doc.Modified());
+    L.CurrentSegment = 0, L.CurrentSide = 2;
+
+    // Level operations, the controller's commands and clicks.
+    EXPECT_TRUE(Advances([&] { Editor.Command(CM_NEWSEGMENT); }));
+    EXPECT_TRUE(Doc.Modified());
+    for (int id : {CM_POINTXPLUS, CM_POINTYMINUS, CM_RESTORETEXTURE, CM_APPLYTEXTURE, CM_CLEARSIDETEXTURE,
+                   CM_CALCULATELIGHTING, CM_FULLBRIGHTNESS, CM_STARTPOINT, CM_DELETENEARESTSPECPOINT, CM_ENEMYSHIP,
+                   CM_DELETENEARESTTHING, CM_SHIELDBONUS})
+        EXPECT_TRUE(Advances([&] { Editor.Command(id); })) << id;
+    int cube = AddCubeCopy(L, {1000, 0, 0});
+    const std::function<void()> changes[] = {
+        [&] { L.NewLight(Cam.Position, 255, 0, 0, 100); }, [&] { Editor.Command(CM_DELETENEARESTLIGHT); },
+        [&] { L.Add("WallTex.bmp"); }, [&] { L.ReplaceTextureAt("InvSide.bmp", 1); }, [&] { L.DeleteTextureAt(1); },
+        [&] { L.JoinSides(0, 0, cube, 2, 0); }, [&] { L.FitTexture(0, 1, 0, 4); }, [&] { L.Unlink(0, 0); },
+        [&] { L.DeleteSegment(cube); }};
+    for (size_t i = 0; i < std::size(changes); ++i)
+        EXPECT_TRUE(Advances(changes[i])) << i;
+
+    // Selection and camera changes, refusals and lookups leave it.
+    EXPECT_FALSE(Advances([&] {
+        Editor.Command(CM_NEXTPOINT);
+        Cam.Move(CAM_FORWARD, 10);
+        Editor.LeftClick(320, 240);
+        L.FindSegment({0, 0, 0});
+        (void)L.Serialize();
+    }));
+    L.CurrentSegment = -1;
+    EXPECT_FALSE(Advances([&] {
+        for (int id : {CM_NEWSEGMENT, CM_POINTZPLUS, CM_APPLYTEXTURE, CM_RESTORETEXTURE, CM_DELETESEGMENT,
+                       CM_CLEARSIDETEXTURE, CM_DELETENEARESTLIGHT, CM_DELETENEARESTSPECPOINT, CM_JOINMODE})
+            Editor.Command(id);
+        L.JoinSides(0, 0, 0, 0, 0);
+        L.FitTexture(0, 0, 0, 2); // opposite sides share no edge
+    }));
+    EXPECT_GT(P().Beeps, 0);
+}
+
+TEST_F(ControllerTest, OpenSaveAndSaveAsAnswerAndKeepTheModifiedState)
+{
+    TEMPDIR dir;
+    const std::string file = (dir / "a.ORVLevel").string();
+
+    EXPECT_FALSE(Doc.Save()); // no name yet: the caller runs Save as
+    L.MovePoint(1, 0, 0);
+    L.CurrentSegment = 0;
+    EXPECT_TRUE(Act(CM_POINTXPLUS));
+    ASSERT_TRUE(Doc.Modified());
+    ASSERT_TRUE(Doc.SaveAs(file));
+    EXPECT_TRUE(!Doc.Modified() && Doc.FileName() == file && H.CanUndo()); // saving keeps the history
+
+    // A failed save keeps the name and the modified state.
+    L.MovePoint(1, 0, 0);
+    EXPECT_FALSE(Doc.SaveAs((dir / "missing" / "b.ORVLevel").string()));
+    EXPECT_TRUE(Doc.FileName() == file && Doc.Modified());
+    EXPECT_TRUE(Doc.Save() && !Doc.Modified());
+
+    // Opening advances the revision and leaves an unmodified document with
+    // no history and no marks; a failed open changes nothing.
+    uint64_t before = Doc.Revision();
+    L.MovePoint(1, 0, 0);
+    Doc.Marks.Set(0, true);
+    EXPECT_FALSE(Doc.Open((dir / "none.ORVLevel").string()));
+    EXPECT_TRUE(Doc.Modified() && Doc.FileName() == file);
+    ASSERT_TRUE(Doc.Open(file));
+    EXPECT_TRUE(Doc.Revision() > before && !Doc.Modified() && !H.CanUndo() && Doc.Marks.Count() == 0);
 }

@@ -49,16 +49,6 @@ TEST_F(KernelTest, KeysByScanCodeMoveTheCameraOncePerStep)
               (std::vector{int(CAM_ROLLRIGHTDOWN), int(CAM_ROLLRIGHTDOWN), -1}));
 }
 
-TEST_F(KernelTest, MouseLookTurnsByTheCursorOffsetAndRecentres)
-{
-    CAMERA expected = Cam;
-    expected.Move(CAM_TURNRIGHT, 0.1f); // and no look down: the cursor is level
-    Kernel.MouseLook = true;
-    CursorX = 420;
-    Kernel.Update();
-    EXPECT_TRUE(Cam.ViewDir == expected.ViewDir && Cam.Right == expected.Right && CursorX == 320 && CursorY == 240);
-}
-
 TEST(FilePath, MakeRelativePath)
 {
     // The first piece that differs was compared in upper case.

@@ -56,12 +56,10 @@ TEST_F(PlaySessionTest, HeldOperationsMoveTheShipAsTheCameraMoves)
         ExpectNear(ship.axisY, want.Up);
         ExpectNear(ship.axisZ, want.Right);
         ExpectNear(s.Eye.Position, ship.position);
-        EXPECT_EQ(ship.playerControlled, 1);
-        EXPECT_EQ(ship.team, 1);
     }
 }
 
-TEST_F(PlaySessionTest, AWallStopsTheShip)
+TEST_F(PlaySessionTest, AWallStopsTheShipAndItsLastPictureStaysTwoSecondsAfterItIsGone)
 {
     PLAYSESSION s(Edited, At({0, 0, 50}));
     s.Held[CAM_FORWARD] = true;
@@ -72,17 +70,23 @@ TEST_F(PlaySessionTest, AWallStopsTheShip)
     EXPECT_GT(z, -100.0f);
     EXPECT_LT(z, -60.0f);
     EXPECT_EQ(s.Level().FindSegment(s.Ship()->position), 0);
+
+    s.Held[CAM_FORWARD] = false;
+    s.Ship()->shield = 0; // breaks apart for 100 ticks
+    int ticks = 0;
+    while (s.Ship())
+        s.Tick(), ++ticks;
+    EXPECT_EQ(ticks, 100);
+    const VECTOR3D last = s.Eye.Position;
+    while (!s.Ended())
+        s.Tick(), ++ticks;
+    EXPECT_EQ(ticks, 100 + PLAY_END_TICKS);
+    EXPECT_EQ(s.Eye.Position, last);
 }
 
 TEST_F(PlaySessionTest, WeaponsFireInSalvosAsCooldownAndStoresAllow)
 {
-    struct CASE
-    {
-        int Action;
-        float Energy;
-        float EnergyAfter;
-        int32_t TempestsAfter;
-    };
+    struct CASE { int Action; float Energy, EnergyAfter; int32_t TempestsAfter; };
     // 25 ticks held: lasers fire at ticks 1, 11 and 21 (0.3 each) while the
     // energy lasts; missiles at ticks 1 and 21.
     const CASE cases[] = {
@@ -115,34 +119,12 @@ TEST_F(PlaySessionTest, AnEnemyAttacksAndTheEditedLevelStaysAsItWas)
     const std::vector<uint8_t> bytes = Edited.Serialize();
     const uint64_t revision = Edited.Revision;
 
-    std::vector<uint8_t> result[2];
-    for (auto& r : result)
-    {
-        SRand(5);
-        PLAYSESSION s(Edited, At({0, 0, 50}));
-        EXPECT_EQ(s.ShipSlot(), 1);
-        Run(s, 60);
-        ASSERT_NE(s.Ship(), nullptr);
-        EXPECT_LT(s.Ship()->shield, 100.0f);
-        r = s.Level().Serialize();
-    }
-    EXPECT_EQ(result[0], result[1]); // the same seed and input, the same battle
+    SRand(5);
+    PLAYSESSION s(Edited, At({0, 0, 50}));
+    EXPECT_EQ(s.ShipSlot(), 1);
+    Run(s, 60);
+    ASSERT_NE(s.Ship(), nullptr);
+    EXPECT_LT(s.Ship()->shield, 100.0f);
     EXPECT_EQ(Edited.Revision, revision);
     EXPECT_EQ(Edited.Serialize(), bytes);
-    EXPECT_EQ(Filled(Edited.Things, MAX_THINGS), 1);
-}
-
-TEST_F(PlaySessionTest, TheLastPictureStaysTwoSecondsAfterTheShipIsGone)
-{
-    PLAYSESSION s(Edited, At({0, 0, 0}));
-    s.Ship()->shield = 0; // breaks apart for 100 ticks
-    int ticks = 0;
-    while (s.Ship())
-        s.Tick(), ++ticks;
-    EXPECT_EQ(ticks, 100);
-    const VECTOR3D last = s.Eye.Position;
-    while (!s.Ended())
-        s.Tick(), ++ticks;
-    EXPECT_EQ(ticks, 100 + PLAY_END_TICKS);
-    EXPECT_EQ(s.Eye.Position, last);
 }
