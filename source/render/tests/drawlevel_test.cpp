@@ -1,6 +1,6 @@
 // The level's drawing: doors, the selection and its blink, markers and
-// labels, objects, the display list, the view's frame, and the batched
-// drawing against the plain one.
+// labels, objects, the display list, the view's frame, marked segments, and
+// the batched drawing against the plain one.
 #include "rendertesting.h"
 
 #include "orvlevel/tests/leveltesting.h"
@@ -62,15 +62,6 @@ protected:
     }
 };
 
-const FBVERTEX* At(const std::vector<FBITEM>& items, float x, float y)
-{
-    for (const FBITEM& item : items)
-        for (const FBVERTEX& v : item.Vertices)
-            if (std::fabs(v.X - x) < 1e-3f && std::fabs(v.Y - y) < 1e-3f)
-                return &v;
-    return nullptr;
-}
-
 int Count(const std::vector<FBITEM>& items, GLenum token)
 {
     int n = 0;
@@ -102,8 +93,9 @@ TEST_F(DrawLevelTest, DoorsSlideTwoCornersAndCarryTheirTexture)
     door.Door.State = DOOR_OPENING;
     door.Door.Opening = 0.5f;
     struct CORNER { float X, Y, S, T; };
-    const struct { int32_t Edge; CORNER Corners[4]; } cases[2] = {{0, {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}}},
-                  {3, {{220, 240, 1, 1}, {420, 240, 0, 1}, {420, 140, 0, 0.5f}, {220, 140, 1, 0.5f}}}};
+    const struct { int32_t Edge; CORNER Corners[4]; } cases[2] = {
+        {0, {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}}},
+        {3, {{220, 240, 1, 1}, {420, 240, 0, 1}, {420, 140, 0, 0.5f}, {220, 140, 1, 0.5f}}}};
     for (const auto& c : cases)
     {
         door.Door.SlideEdge = c.Edge;
@@ -126,7 +118,8 @@ TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
     L->NewSegment(); // segment 1, a neighbour of 0
     AddCubeCopy(*L, VECTOR3D(0, 0, -400)); // segment 2, no neighbour
     L->CurrentSegment = -1;
-    int green = 0, red = 0, white = 0;
+    // Every corner is tinted green (the segment), red (a neighbour) or left white.
+    int green = 0, red = 0, white = 0, corners = 0;
     for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, true, L->Segments[0]); })))
         for (const FBVERTEX& v : p.Vertices)
         {
@@ -134,13 +127,9 @@ TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
             red += v.R == 1 && v.G == 0.5f && v.B == 0.5f;
             white += v.R == 1 && v.G == 1 && v.B == 1;
         }
-    EXPECT_TRUE(green > 0 && red > 0 && white > 0);
-    EXPECT_EQ(green + red + white, [&] {
-        int n = 0;
-        for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, false, nullptr); })))
-            n += int(p.Vertices.size());
-        return n;
-    }());
+    for (const FBITEM& p : Polygons(Draw(true, false)))
+        corners += int(p.Vertices.size());
+    EXPECT_TRUE(green > 0 && red > 0 && white > 0 && green + red + white == corners);
 }
 
 TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
@@ -190,8 +179,12 @@ TEST_F(DrawLevelTest, LightsAndStartPointsHaveBoxesAndLabels)
     L->Add(STATICLIGHT{{-10, 0, 0}, {1, 1, 1}, 10000.0f});
     L->Add(SPECPOINT{{0, 50, 0}, 0});
     L->Add(SPECPOINT{{0, -50, 0}, 1}); // another kind: a box without a label
-    OnlySide(-1);
+    OnlySide(4);
     std::vector<FBITEM> items = Draw(false, true);
+    // After a textured side the boxes are drawn untextured.
+    GLint bound = -1;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(bound, 0);
     EXPECT_EQ(PassedText(items), "123510000SP start");
     EXPECT_EQ(Count(items, GL_LINE_TOKEN), 4 * 12);
     // The first light's box spans its position +-5, in its colour.
@@ -388,12 +381,6 @@ TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
     EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(-1, 0, 0)), 5); // the +x wall faces away
     EXPECT_EQ(sent(VECTOR3D(0, 500, 0), VECTOR3D(0, -1, 0.01f)), 5);
     EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(1, 0, 0)), 0);  // all behind
-    // While the binding cache and OpenGL disagree it draws the plain way.
-    GLuint other;
-    glGenTextures(1, &other);
-    glBindTexture(GL_TEXTURE_2D, other);
-    EXPECT_EQ(DrawLevelBatched(*L, true, false, nullptr, false, nullptr), -1);
-    glDeleteTextures(1, &other);
 }
 
 TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
@@ -476,4 +463,52 @@ TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
     // Behind the camera there are no bounds to trust.
     View->Camera.Position = {0, 0, 0};
     EXPECT_FALSE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
+}
+
+TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAlikeInBothDrawingsAndStillBlink)
+{
+    // The summed colour of a 40 x 40 pixel patch: single texels may be mortar.
+    auto patch = [](const std::vector<uint8_t>& pixels, int x, int y) {
+        RGB sum{0, 0, 0};
+        for (int dy = 0; dy < 40; ++dy)
+            for (int dx = 0; dx < 40; ++dx)
+            {
+                const RGB p = PixelAt(pixels, x + dx, y + dy);
+                sum.R += p.R, sum.G += p.G, sum.B += p.B;
+            }
+        return sum;
+    };
+    L->CurrentSegment = 0, L->CurrentSide = 1;
+    L->NewSegment(); // segment 1 beside the cube, x 100 ... 300
+    // Its far wall, z = -100, seen from the front through the culled near walls.
+    int far = -1;
+    for (int i = 0; i < 6; ++i)
+        if (VECTOR3D* c = L->GetSideCorners(1, i); c && c[0].z == -100 && c[1].z == -100 && c[2].z == -100)
+            far = i;
+    ASSERT_GE(far, 0);
+    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
+    View->Camera.Position = {100, 0, 700}, View->Camera.ViewDir = {0, 0, -1};
+    View->Camera.Up = {0, 1, 0}, View->Camera.Right = {1, 0, 0};
+    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
+    auto frame = [&](bool marked, bool batched) {
+        marks[1] = marked;
+        View->Marked = marks.data();
+        View->Batched = batched;
+        View->Draw();
+        return Pixels();
+    };
+    L->CurrentSegment = -1;
+    const std::vector<uint8_t> plain = frame(false, false), tinted = frame(true, false);
+    EXPECT_EQ(frame(true, true), tinted);
+    EXPECT_EQ(patch(plain, 230, 215), patch(tinted, 230, 215)); // segment 0
+    const RGB a = patch(plain, 335, 215), b = patch(tinted, 335, 215);
+    EXPECT_TRUE(b.R >= a.R && b.B < a.B) << a.R << " " << a.B << " " << b.R << " " << b.B;
+
+    // The selected wall of the marked segment in both blink phases.
+    L->CurrentSegment = 1, L->CurrentSide = far;
+    const RGB on = patch(frame(true, false), 335, 215);
+    P().Now += 501;
+    EXPECT_NE(patch(frame(true, false), 335, 215), on);
+    P().Now += 501;
+    EXPECT_EQ(patch(frame(true, true), 335, 215), on);
 }

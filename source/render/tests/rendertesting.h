@@ -48,6 +48,8 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw);
 // The polygons alone, and the text the probe font reported.
 std::vector<FBITEM> Polygons(const std::vector<FBITEM>& items);
 std::string PassedText(const std::vector<FBITEM>& items);
+// The first vertex at window (x, y), give or take 1e-3; null if none is.
+const FBVERTEX* At(const std::vector<FBITEM>& items, float x, float y);
 
 // Replaces the 256 font lists at base 1000 by lists that only pass their
 // code through to feedback; puts the real font back when it ends.
