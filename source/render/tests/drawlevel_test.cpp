@@ -399,6 +399,9 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
         glGetFloatv(GL_CURRENT_TEXTURE_COORDS, f.Tex);
         return f;
     };
+    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
+    marks[1] = marks[5] = 1; // tinted in both drawings alike
+    View->Marked = marks.data();
     auto same = [](const FRAME& a, const FRAME& b) {
         EXPECT_TRUE(a.Pixels == b.Pixels);
         EXPECT_TRUE(a.Bound == b.Bound && a.Cache == b.Cache);
@@ -433,6 +436,11 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
         same(a, frame(i % 2 == 1));
     }
 
+    View->Camera = cameras[1];
+    const FRAME marked = frame(false);
+    View->Marked = nullptr;
+    EXPECT_FALSE(frame(false).Pixels == marked.Pixels); // the view hands its marks on
+
     // Right after a texture upload the cache and OpenGL disagree about the
     // bound texture; the batched drawing must show that frame as the plain
     // one does.
@@ -465,50 +473,23 @@ TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
     EXPECT_FALSE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
 }
 
-TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAlikeInBothDrawingsAndStillBlink)
+TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAndStillBlink)
 {
-    // The summed colour of a 40 x 40 pixel patch: single texels may be mortar.
-    auto patch = [](const std::vector<uint8_t>& pixels, int x, int y) {
-        RGB sum{0, 0, 0};
-        for (int dy = 0; dy < 40; ++dy)
-            for (int dx = 0; dx < 40; ++dx)
-            {
-                const RGB p = PixelAt(pixels, x + dx, y + dy);
-                sum.R += p.R, sum.G += p.G, sum.B += p.B;
-            }
-        return sum;
-    };
-    L->CurrentSegment = 0, L->CurrentSide = 1;
-    L->NewSegment(); // segment 1 beside the cube, x 100 ... 300
-    // Its far wall, z = -100, seen from the front through the culled near walls.
-    int far = -1;
-    for (int i = 0; i < 6; ++i)
-        if (VECTOR3D* c = L->GetSideCorners(1, i); c && c[0].z == -100 && c[1].z == -100 && c[2].z == -100)
-            far = i;
-    ASSERT_GE(far, 0);
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
-    View->Camera.Position = {100, 0, 700}, View->Camera.ViewDir = {0, 0, -1};
-    View->Camera.Up = {0, 1, 0}, View->Camera.Right = {1, 0, 0};
+    FlatView();
+    OnlySide(4);
+    for (VECTOR3D& c : L->Segments[0]->Sides[4].Colours)
+        c = VECTOR3D(0.4f, 0.6f, 0.8f);
     std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
-    auto frame = [&](bool marked, bool batched) {
-        marks[1] = marked;
-        View->Marked = marks.data();
-        View->Batched = batched;
-        View->Draw();
-        return Pixels();
+    auto colour = [&](int marked) {
+        std::fill(marks.begin(), marks.end(), 0);
+        marks[size_t(marked)] = 1;
+        auto draw = [&] { DrawLevel(*L, false, false, nullptr, false, nullptr, marks.data()); };
+        const FBVERTEX v = Polygons(Feedback(draw)).at(0).Vertices[0];
+        return VECTOR3D(v.R, v.G, v.B);
     };
-    L->CurrentSegment = -1;
-    const std::vector<uint8_t> plain = frame(false, false), tinted = frame(true, false);
-    EXPECT_EQ(frame(true, true), tinted);
-    EXPECT_EQ(patch(plain, 230, 215), patch(tinted, 230, 215)); // segment 0
-    const RGB a = patch(plain, 335, 215), b = patch(tinted, 335, 215);
-    EXPECT_TRUE(b.R >= a.R && b.B < a.B) << a.R << " " << a.B << " " << b.R << " " << b.B;
-
-    // The selected wall of the marked segment in both blink phases.
-    L->CurrentSegment = 1, L->CurrentSide = far;
-    const RGB on = patch(frame(true, false), 335, 215);
-    P().Now += 501;
-    EXPECT_NE(patch(frame(true, false), 335, 215), on);
-    P().Now += 501;
-    EXPECT_EQ(patch(frame(true, true), 335, 215), on);
+    // A quarter of the way to amber; other segments keep their colours.
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.55f, 0.6f, 0.6f)), 1e-5f);
+    EXPECT_LT(Length(colour(1) - VECTOR3D(0.4f, 0.6f, 0.8f)), 1e-5f);
+    L->CurrentSegment = 0, L->CurrentSide = 4; // selected, the blink halves the tint
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.275f, 0.3f, 0.3f)), 1e-5f);
 }
