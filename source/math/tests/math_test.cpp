@@ -142,7 +142,7 @@ TEST(Geometry, MoveFrameAndTheCamera)
     EXPECT_FLOAT_EQ(c.Aspect, 0.625f);
 }
 
-TEST(Random, RangeAndRepeatability)
+TEST(Random, Range)
 {
     SRand(12345);
     int lo = 1 << 30, hi = -1;
@@ -153,8 +153,4 @@ TEST(Random, RangeAndRepeatability)
         lmax = std::max(lmax, LRand());
     }
     EXPECT_TRUE(lo == 0 && hi == RAND_LIMIT && lmax > 1L << 30); // LRand uses the full 31 bits
-    SRand(77);
-    int a = Rand();
-    SRand(77);
-    EXPECT_EQ(Rand(), a);
 }

@@ -62,12 +62,10 @@ protected:
     }
 };
 
-int Count(const std::vector<FBITEM>& items, GLenum token)
+int Lines(const std::vector<FBITEM>& items)
 {
-    int n = 0;
-    for (const FBITEM& item : items)
-        n += item.Token == token || (token == GL_LINE_TOKEN && item.Token == GL_LINE_RESET_TOKEN);
-    return n;
+    return int(std::count_if(items.begin(), items.end(),
+                             [](const FBITEM& i) { return i.Token == GL_LINE_TOKEN; }));
 }
 
 } // namespace
@@ -146,10 +144,10 @@ TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
     EXPECT_EQ(PassedText(first), "023[100.0,100.0,100.0][0.0,1.0]");
     // The cross: four different diagonals through the corner, 5 units each
     // way along every axis.
-    ASSERT_EQ(Count(first, GL_LINE_TOKEN), 4);
+    ASSERT_EQ(Lines(first), 4);
     std::vector<float> depths;
     for (const FBITEM& line : first)
-        if (line.Token == GL_LINE_TOKEN || line.Token == GL_LINE_RESET_TOKEN)
+        if (line.Token == GL_LINE_TOKEN)
         {
             const FBVERTEX &a = line.Vertices[0], &b = line.Vertices[1];
             EXPECT_LT(std::fabs(a.X + b.X - 840) + std::fabs(a.Y + b.Y - 680) + std::fabs(std::fabs(a.X - b.X) - 10) + std::fabs(std::fabs(a.Y - b.Y) - 10), 1e-3f);
@@ -168,7 +166,7 @@ TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
     // Nothing selected: no cross, no labels, no dimmed side.
     L->CurrentSegment = -1;
     std::vector<FBITEM> none = Draw(false, false);
-    EXPECT_TRUE(Count(none, GL_LINE_TOKEN) == 0 && PassedText(none).empty() && colourOfSide(none) == 1.0f);
+    EXPECT_TRUE(Lines(none) == 0 && PassedText(none).empty() && colourOfSide(none) == 1.0f);
 }
 
 TEST_F(DrawLevelTest, LightsAndStartPointsHaveBoxesAndLabels)
@@ -186,7 +184,7 @@ TEST_F(DrawLevelTest, LightsAndStartPointsHaveBoxesAndLabels)
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
     EXPECT_EQ(bound, 0);
     EXPECT_EQ(PassedText(items), "123510000SP start");
-    EXPECT_EQ(Count(items, GL_LINE_TOKEN), 4 * 12);
+    EXPECT_EQ(Lines(items), 4 * 12);
     // The first light's box spans its position +-5, in its colour.
     const FBVERTEX *corner = At(items, 320 + 15, 240 + 25), *start = At(items, 320 - 5, 240 + 45);
     ASSERT_TRUE(corner && start);

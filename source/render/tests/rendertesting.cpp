@@ -68,6 +68,8 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw)
     {
         FBITEM item;
         item.Token = GLenum(buffer[size_t(i++)]);
+        if (item.Token == GL_LINE_RESET_TOKEN) // a line is a line, wherever the stipple restarts
+            item.Token = GL_LINE_TOKEN;
         int count = 0;
         switch (item.Token)
         {
@@ -78,7 +80,6 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw)
             count = int(buffer[size_t(i++)]);
             break;
         case GL_LINE_TOKEN:
-        case GL_LINE_RESET_TOKEN:
             count = 2;
             break;
         default: // points, bitmaps and pixel copies carry one vertex

@@ -38,7 +38,7 @@ struct FBVERTEX
 
 struct FBITEM
 {
-    GLenum Token; // GL_POLYGON_TOKEN, GL_LINE_TOKEN, GL_BITMAP_TOKEN, GL_PASS_THROUGH_TOKEN ...
+    GLenum Token; // GL_POLYGON_TOKEN, GL_LINE_TOKEN (also for resets), GL_BITMAP_TOKEN, GL_PASS_THROUGH_TOKEN ...
     std::vector<FBVERTEX> Vertices;
     float Value = 0; // pass-through value
 };
