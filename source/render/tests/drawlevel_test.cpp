@@ -40,6 +40,7 @@ protected:
         // The view's OpenGL state; the frame itself is set per test.
         View = std::make_unique<ORVERENDER>(nullptr, nullptr);
         View->Level = L.get();
+        View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     }
     void TearDown() override
     {
@@ -262,9 +263,7 @@ TEST_F(DrawLevelTest, UninvalidatedListRecordsStaticSidesAndDrawsDoorsEachFrame)
 
 TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     View->Update(); // the first update draws at once
-    EXPECT_FLOAT_EQ(View->Camera.Aspect, 0.75f);
     std::vector<uint8_t> pixels = Pixels();
 
     // Each axis, in its colour, where the camera's projection puts it.
@@ -358,7 +357,6 @@ struct FRAME
 
 TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     auto sent = [&](VECTOR3D position, VECTOR3D viewDir) {
         View->Camera.Position = position, View->Camera.ViewDir = viewDir, View->Camera.Up = VECTOR3D(0, 1, 0);
         View->Draw(); // the view's matrices, which the batched drawing tests against
@@ -376,7 +374,6 @@ TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
 TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 {
     BuildBusyLevel(*L);
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     auto frame = [&](bool batched) {
         SRand(5); // sparks draw random lines
         View->Batched = batched;
@@ -443,7 +440,6 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 
 TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     L->CurrentSegment = 0, L->CurrentSide = 2, L->CurrentPoint = 1;
     View->Draw(); // blink on
     P().Now += 501;
