@@ -216,9 +216,10 @@ TEST_F(TrimeshTest, TablesDropWhatDoesNotFitAndBoundsSpanTheVertices)
 
     float b[6], outer, inner;
     TRIMESH box;
-    box.AddVertex(-2, 1, 3);
-    box.AddVertex(4, 5, -0.5f);
+    box.AddVertex(-2, -3, 3);
+    box.AddVertex(0.5f, 5, -1);
     box.GetBounds(&b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &outer, &inner);
-    EXPECT_EQ(std::vector<float>(b, b + 6), (std::vector<float>{-2, 4, 1, 5, -0.5f, 3}));
-    EXPECT_TRUE(inner == 0.5f && std::fabs(outer - std::sqrt(16.0f + 25.0f + 9.0f)) < 1e-5f);
+    EXPECT_EQ(std::vector<float>(b, b + 6), (std::vector<float>{-2, 0.5f, -3, 5, -1, 3}));
+    // The inner radius is the nearest face, here a maximum; the outer the farthest corner.
+    EXPECT_TRUE(inner == 0.5f && std::fabs(outer - std::sqrt(4.0f + 25.0f + 9.0f)) < 1e-5f);
 }
