@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/datafile.h"
+#include "platform/tests/testplatform.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,16 +16,11 @@ namespace {
 
 // A directory tree to resolve names in, made the current directory for the
 // test's lifetime.
-class DATATREE
+struct DATATREE : TEMPDIR
 {
-public:
-    fs::path Path;
-    fs::path Saved;
+    fs::path Saved = fs::current_path();
     DATATREE()
     {
-        Saved = fs::current_path();
-        Path = fs::temp_directory_path() / ("orv-datafile-" + std::to_string(getpid()));
-        fs::remove_all(Path);
         fs::create_directories(Path / "Textúrák" / "Régi");
         fs::create_directories(Path / "ŐSZ");
         for (const char* name : {"Textúrák/Fal Tex.BMP", "Textúrák/Régi/KŐ.bmp", "ŐSZ/ÁBRA.bmp", "lezárt.bmp"})
@@ -32,11 +28,7 @@ public:
         chmod((Path / "lezárt.bmp").c_str(), 0444);
         fs::current_path(Path);
     }
-    ~DATATREE()
-    {
-        fs::current_path(Saved);
-        fs::remove_all(Path);
-    }
+    ~DATATREE() { fs::current_path(Saved); }
 };
 
 } // namespace

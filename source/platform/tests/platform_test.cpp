@@ -29,14 +29,3 @@ TEST_F(TimerTest, UnarmedElapsedAndStrictlyAfterIntervalWrapping)
     P().Now = 0x05;
     EXPECT_FALSE(t.Elapsed());
 }
-
-TEST_F(PlatformTest, FatalMessageShowsThenEnds)
-{
-    try {
-        FatalMessage("SaveLevel: not enough mem.");
-        FAIL() << "FatalMessage returned";
-    } catch (const FATALEXIT& e) {
-        EXPECT_EQ(e.Status, FATAL_STATUS);
-    }
-    EXPECT_EQ(P().Messages, (MESSAGES{{"SaveLevel: not enough mem.", "FATAL!", MSGICON_NONE}}));
-}

@@ -1,6 +1,6 @@
 // The level's drawing: doors, the selection and its blink, markers and
-// labels, objects, the display list, the view's frame, and the batched
-// drawing against the plain one.
+// labels, objects, the display list, the view's frame, marked segments, and
+// the batched drawing against the plain one.
 #include "rendertesting.h"
 
 #include "orvlevel/tests/leveltesting.h"
@@ -40,6 +40,7 @@ protected:
         // The view's OpenGL state; the frame itself is set per test.
         View = std::make_unique<ORVERENDER>(nullptr, nullptr);
         View->Level = L.get();
+        View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     }
     void TearDown() override
     {
@@ -62,21 +63,10 @@ protected:
     }
 };
 
-const FBVERTEX* At(const std::vector<FBITEM>& items, float x, float y)
+int Lines(const std::vector<FBITEM>& items)
 {
-    for (const FBITEM& item : items)
-        for (const FBVERTEX& v : item.Vertices)
-            if (std::fabs(v.X - x) < 1e-3f && std::fabs(v.Y - y) < 1e-3f)
-                return &v;
-    return nullptr;
-}
-
-int Count(const std::vector<FBITEM>& items, GLenum token)
-{
-    int n = 0;
-    for (const FBITEM& item : items)
-        n += item.Token == token || (token == GL_LINE_TOKEN && item.Token == GL_LINE_RESET_TOKEN);
-    return n;
+    return int(std::count_if(items.begin(), items.end(),
+                             [](const FBITEM& i) { return i.Token == GL_LINE_TOKEN; }));
 }
 
 } // namespace
@@ -102,8 +92,9 @@ TEST_F(DrawLevelTest, DoorsSlideTwoCornersAndCarryTheirTexture)
     door.Door.State = DOOR_OPENING;
     door.Door.Opening = 0.5f;
     struct CORNER { float X, Y, S, T; };
-    const struct { int32_t Edge; CORNER Corners[4]; } cases[2] = {{0, {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}}},
-                  {3, {{220, 240, 1, 1}, {420, 240, 0, 1}, {420, 140, 0, 0.5f}, {220, 140, 1, 0.5f}}}};
+    const struct { int32_t Edge; CORNER Corners[4]; } cases[2] = {
+        {0, {{220, 340, 0.5f, 1}, {320, 340, 0, 1}, {320, 140, 0, 0}, {220, 140, 0.5f, 0}}},
+        {3, {{220, 240, 1, 1}, {420, 240, 0, 1}, {420, 140, 0, 0.5f}, {220, 140, 1, 0.5f}}}};
     for (const auto& c : cases)
     {
         door.Door.SlideEdge = c.Edge;
@@ -126,7 +117,8 @@ TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
     L->NewSegment(); // segment 1, a neighbour of 0
     AddCubeCopy(*L, VECTOR3D(0, 0, -400)); // segment 2, no neighbour
     L->CurrentSegment = -1;
-    int green = 0, red = 0, white = 0;
+    // Every corner is tinted green (the segment), red (a neighbour) or left white.
+    int green = 0, red = 0, white = 0, corners = 0;
     for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, true, L->Segments[0]); })))
         for (const FBVERTEX& v : p.Vertices)
         {
@@ -134,13 +126,9 @@ TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
             red += v.R == 1 && v.G == 0.5f && v.B == 0.5f;
             white += v.R == 1 && v.G == 1 && v.B == 1;
         }
-    EXPECT_TRUE(green > 0 && red > 0 && white > 0);
-    EXPECT_EQ(green + red + white, [&] {
-        int n = 0;
-        for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, false, nullptr); })))
-            n += int(p.Vertices.size());
-        return n;
-    }());
+    for (const FBITEM& p : Polygons(Draw(true, false)))
+        corners += int(p.Vertices.size());
+    EXPECT_TRUE(green > 0 && red > 0 && white > 0 && green + red + white == corners);
 }
 
 TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
@@ -157,10 +145,10 @@ TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
     EXPECT_EQ(PassedText(first), "023[100.0,100.0,100.0][0.0,1.0]");
     // The cross: four different diagonals through the corner, 5 units each
     // way along every axis.
-    ASSERT_EQ(Count(first, GL_LINE_TOKEN), 4);
+    ASSERT_EQ(Lines(first), 4);
     std::vector<float> depths;
     for (const FBITEM& line : first)
-        if (line.Token == GL_LINE_TOKEN || line.Token == GL_LINE_RESET_TOKEN)
+        if (line.Token == GL_LINE_TOKEN)
         {
             const FBVERTEX &a = line.Vertices[0], &b = line.Vertices[1];
             EXPECT_LT(std::fabs(a.X + b.X - 840) + std::fabs(a.Y + b.Y - 680) + std::fabs(std::fabs(a.X - b.X) - 10) + std::fabs(std::fabs(a.Y - b.Y) - 10), 1e-3f);
@@ -179,7 +167,7 @@ TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
     // Nothing selected: no cross, no labels, no dimmed side.
     L->CurrentSegment = -1;
     std::vector<FBITEM> none = Draw(false, false);
-    EXPECT_TRUE(Count(none, GL_LINE_TOKEN) == 0 && PassedText(none).empty() && colourOfSide(none) == 1.0f);
+    EXPECT_TRUE(Lines(none) == 0 && PassedText(none).empty() && colourOfSide(none) == 1.0f);
 }
 
 TEST_F(DrawLevelTest, LightsAndStartPointsHaveBoxesAndLabels)
@@ -190,10 +178,14 @@ TEST_F(DrawLevelTest, LightsAndStartPointsHaveBoxesAndLabels)
     L->Add(STATICLIGHT{{-10, 0, 0}, {1, 1, 1}, 10000.0f});
     L->Add(SPECPOINT{{0, 50, 0}, 0});
     L->Add(SPECPOINT{{0, -50, 0}, 1}); // another kind: a box without a label
-    OnlySide(-1);
+    OnlySide(4);
     std::vector<FBITEM> items = Draw(false, true);
+    // After a textured side the boxes are drawn untextured.
+    GLint bound = -1;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(bound, 0);
     EXPECT_EQ(PassedText(items), "123510000SP start");
-    EXPECT_EQ(Count(items, GL_LINE_TOKEN), 4 * 12);
+    EXPECT_EQ(Lines(items), 4 * 12);
     // The first light's box spans its position +-5, in its colour.
     const FBVERTEX *corner = At(items, 320 + 15, 240 + 25), *start = At(items, 320 - 5, 240 + 45);
     ASSERT_TRUE(corner && start);
@@ -263,25 +255,15 @@ TEST_F(DrawLevelTest, UninvalidatedListRecordsStaticSidesAndDrawsDoorsEachFrame)
     L = std::make_unique<ORVLEVEL>();
     View->Level = L.get();
     glEnd(); // outside glBegin: an error waits
-    try
-    {
-        DrawLevel(*L, true, true, nullptr, false, nullptr);
-        FAIL() << "no assertion";
-    }
-    catch (const FATALEXIT&)
-    {
-        ASSERT_EQ(P().Messages.size(), 1u);
-        EXPECT_NE(P().Messages[0].Text.find("glGetError()==GL_NO_ERROR, file source/orvlevel"), std::string::npos);
-    }
+    EXPECT_THROW(DrawLevel(*L, true, true, nullptr, false, nullptr), FATALEXIT);
+    EXPECT_EQ(P().Messages.size(), 1u);
     EXPECT_FALSE(L->ListBuilt);
     glDeleteLists(L->DisplayList, 1);
 }
 
 TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     View->Update(); // the first update draws at once
-    EXPECT_FLOAT_EQ(View->Camera.Aspect, 0.75f);
     std::vector<uint8_t> pixels = Pixels();
 
     // Each axis, in its colour, where the camera's projection puts it.
@@ -375,7 +357,6 @@ struct FRAME
 
 TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     auto sent = [&](VECTOR3D position, VECTOR3D viewDir) {
         View->Camera.Position = position, View->Camera.ViewDir = viewDir, View->Camera.Up = VECTOR3D(0, 1, 0);
         View->Draw(); // the view's matrices, which the batched drawing tests against
@@ -388,18 +369,11 @@ TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
     EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(-1, 0, 0)), 5); // the +x wall faces away
     EXPECT_EQ(sent(VECTOR3D(0, 500, 0), VECTOR3D(0, -1, 0.01f)), 5);
     EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(1, 0, 0)), 0);  // all behind
-    // While the binding cache and OpenGL disagree it draws the plain way.
-    GLuint other;
-    glGenTextures(1, &other);
-    glBindTexture(GL_TEXTURE_2D, other);
-    EXPECT_EQ(DrawLevelBatched(*L, true, false, nullptr, false, nullptr), -1);
-    glDeleteTextures(1, &other);
 }
 
 TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 {
     BuildBusyLevel(*L);
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     auto frame = [&](bool batched) {
         SRand(5); // sparks draw random lines
         View->Batched = batched;
@@ -412,6 +386,9 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
         glGetFloatv(GL_CURRENT_TEXTURE_COORDS, f.Tex);
         return f;
     };
+    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
+    marks[1] = marks[5] = 1; // tinted in both drawings alike
+    View->Marked = marks.data();
     auto same = [](const FRAME& a, const FRAME& b) {
         EXPECT_TRUE(a.Pixels == b.Pixels);
         EXPECT_TRUE(a.Bound == b.Bound && a.Cache == b.Cache);
@@ -446,6 +423,11 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
         same(a, frame(i % 2 == 1));
     }
 
+    View->Camera = cameras[1];
+    const FRAME marked = frame(false);
+    View->Marked = nullptr;
+    EXPECT_FALSE(frame(false).Pixels == marked.Pixels); // the view hands its marks on
+
     // Right after a texture upload the cache and OpenGL disagree about the
     // bound texture; the batched drawing must show that frame as the plain
     // one does.
@@ -458,7 +440,6 @@ TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 
 TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
 {
-    View->SetClientSize(TEST_WIDTH, TEST_HEIGHT);
     L->CurrentSegment = 0, L->CurrentSide = 2, L->CurrentPoint = 1;
     View->Draw(); // blink on
     P().Now += 501;
@@ -476,4 +457,25 @@ TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
     // Behind the camera there are no bounds to trust.
     View->Camera.Position = {0, 0, 0};
     EXPECT_FALSE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
+}
+
+TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAndStillBlink)
+{
+    FlatView();
+    OnlySide(4);
+    for (VECTOR3D& c : L->Segments[0]->Sides[4].Colours)
+        c = VECTOR3D(0.4f, 0.6f, 0.8f);
+    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
+    auto colour = [&](int marked) {
+        std::fill(marks.begin(), marks.end(), 0);
+        marks[size_t(marked)] = 1;
+        auto draw = [&] { DrawLevel(*L, false, false, nullptr, false, nullptr, marks.data()); };
+        const FBVERTEX v = Polygons(Feedback(draw)).at(0).Vertices[0];
+        return VECTOR3D(v.R, v.G, v.B);
+    };
+    // A quarter of the way to amber; other segments keep their colours.
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.55f, 0.6f, 0.6f)), 1e-5f);
+    EXPECT_LT(Length(colour(1) - VECTOR3D(0.4f, 0.6f, 0.8f)), 1e-5f);
+    L->CurrentSegment = 0, L->CurrentSide = 4; // selected, the blink halves the tint
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.275f, 0.3f, 0.3f)), 1e-5f);
 }

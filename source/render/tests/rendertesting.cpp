@@ -7,11 +7,8 @@
 #include "things/thingclasses.h"
 #include "things/thingmeshes.h"
 
+#include <cmath>
 #include <memory>
-
-#include <unistd.h>
-
-namespace fs = std::filesystem;
 
 OFFSCREENCONTEXT* TestContext()
 {
@@ -56,15 +53,7 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw)
     static std::vector<GLfloat> buffer(1 << 22);
     glFeedbackBuffer(GLsizei(buffer.size()), GL_3D_COLOR_TEXTURE, buffer.data());
     glRenderMode(GL_FEEDBACK);
-    try
-    {
-        draw();
-    }
-    catch (...)
-    {
-        glRenderMode(GL_RENDER);
-        throw;
-    }
+    draw();
     GLint n = glRenderMode(GL_RENDER);
     EXPECT_GE(n, 0) << "feedback buffer overflow";
     std::vector<FBITEM> items;
@@ -79,6 +68,8 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw)
     {
         FBITEM item;
         item.Token = GLenum(buffer[size_t(i++)]);
+        if (item.Token == GL_LINE_RESET_TOKEN) // a line is a line, wherever the stipple restarts
+            item.Token = GL_LINE_TOKEN;
         int count = 0;
         switch (item.Token)
         {
@@ -89,7 +80,6 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw)
             count = int(buffer[size_t(i++)]);
             break;
         case GL_LINE_TOKEN:
-        case GL_LINE_RESET_TOKEN:
             count = 2;
             break;
         default: // points, bitmaps and pixel copies carry one vertex
@@ -121,6 +111,15 @@ std::string PassedText(const std::vector<FBITEM>& items)
     return text;
 }
 
+const FBVERTEX* At(const std::vector<FBITEM>& items, float x, float y)
+{
+    for (const FBITEM& item : items)
+        for (const FBVERTEX& v : item.Vertices)
+            if (std::fabs(v.X - x) < 1e-3f && std::fabs(v.Y - y) < 1e-3f)
+                return &v;
+    return nullptr;
+}
+
 PROBEFONT::PROBEFONT()
 {
     for (unsigned c = 0; c < 256; ++c)
@@ -150,14 +149,7 @@ void FlatView()
 
 std::string WriteBmp24(const std::string& name, int width, int height, const std::vector<uint8_t>& rgb)
 {
-    // Removed with everything in it when the test program ends.
-    static const struct TEMPDIR
-    {
-        fs::path Path = fs::temp_directory_path() / ("orv-render-" + std::to_string(getpid()));
-        TEMPDIR() { fs::create_directories(Path); }
-        ~TEMPDIR() { fs::remove_all(Path); }
-    } temp;
-    const fs::path& dir = temp.Path;
+    static const TEMPDIR dir; // removed with everything in it when the test program ends
     std::vector<uint8_t> b(54, 0);
     auto put = [&](size_t at, uint32_t v) { for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (8 * i)); };
     b[0] = 'B', b[1] = 'M', b[28] = 24;
@@ -166,8 +158,7 @@ std::string WriteBmp24(const std::string& name, int width, int height, const std
     put(34, uint32_t(rgb.size()));
     for (size_t i = 0; i + 2 < rgb.size(); i += 3)
         b.insert(b.end(), {rgb[i + 2], rgb[i + 1], rgb[i]});
-    WriteFile(dir / name, b);
-    return (dir / name).string();
+    return dir.Write(name, b);
 }
 
 std::vector<uint8_t> Pixels()

@@ -38,7 +38,7 @@ struct FBVERTEX
 
 struct FBITEM
 {
-    GLenum Token; // GL_POLYGON_TOKEN, GL_LINE_TOKEN, GL_BITMAP_TOKEN, GL_PASS_THROUGH_TOKEN ...
+    GLenum Token; // GL_POLYGON_TOKEN, GL_LINE_TOKEN (also for resets), GL_BITMAP_TOKEN, GL_PASS_THROUGH_TOKEN ...
     std::vector<FBVERTEX> Vertices;
     float Value = 0; // pass-through value
 };
@@ -48,6 +48,8 @@ std::vector<FBITEM> Feedback(const std::function<void()>& draw);
 // The polygons alone, and the text the probe font reported.
 std::vector<FBITEM> Polygons(const std::vector<FBITEM>& items);
 std::string PassedText(const std::vector<FBITEM>& items);
+// The first vertex at window (x, y), give or take 1e-3; null if none is.
+const FBVERTEX* At(const std::vector<FBITEM>& items, float x, float y);
 
 // Replaces the 256 font lists at base 1000 by lists that only pass their
 // code through to feedback; puts the real font back when it ends.

@@ -66,7 +66,8 @@ protected:
 TEST_F(OpenALTest, MissingLibraryOrEntryPointEndsTheProgram)
 {
     // A library without the entry points fails on the first one.
-    for (auto [library, says] : {std::pair{"liborv-no-such-audio.so.1", "AL_OpenAL32DLL!=NULL"}, {"libm.so.6", "alGenBuffers!=NULL"}}) {
+    for (auto [library, says] : {std::pair{"liborv-no-such-audio.so.1", "AL_OpenAL32DLL!=NULL"},
+                                 {"libm.so.6", "alGenBuffers!=NULL"}}) {
         P().Reset();
         EXPECT_THROW(LoadOpenAL(library), FATALEXIT);
         ASSERT_EQ(P().Messages.size(), 1u);
@@ -128,7 +129,8 @@ TEST_F(SoundTest, PoolHandsOutFreeSlotsThenStealsOne)
     // A destroyed source leaves a fresh, empty source that the next one gets.
     int freed = (extra.index + 3) % SOURCE_POOL_SIZE;
     sources[freed].reset();
-    EXPECT_TRUE(Entry<LPALISSOURCE>("alIsSource")(SourcePool[freed]) && SourceInt(SourcePool[freed], AL_SOURCE_TYPE) == AL_UNDETERMINED &&
+    EXPECT_TRUE(Entry<LPALISSOURCE>("alIsSource")(SourcePool[freed]));
+    EXPECT_TRUE(SourceInt(SourcePool[freed], AL_SOURCE_TYPE) == AL_UNDETERMINED &&
                 SourceInt(SourcePool[freed], AL_SOURCE_STATE) == AL_INITIAL);
     SOURCE next(buffer.get(), 0, 0, 0, 0, 0, 0);
     EXPECT_EQ(next.index, freed);
@@ -146,17 +148,15 @@ TEST_F(SoundTest, SourcePropertiesAndTheInvalidCase)
     auto get3f = Entry<LPALGETSOURCE3F>("alGetSource3f");
     ALfloat x, y, z;
     s.SetPosition(7, 8, 9);
-    get3f(name, AL_POSITION, &x, &y, &z);
-    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(7, 8, 9));
-
     // An invalid source does nothing, but looping still reaches its slot.
     s.valid = false;
     s.SetPosition(0, 0, 0);
     s.Play();
     s.SetLooping(true);
     get3f(name, AL_POSITION, &x, &y, &z);
-    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(7, 8, 9));
-    EXPECT_TRUE(SourceInt(name, AL_SOURCE_STATE) == AL_INITIAL && s.GetState() == -1 && SourceInt(name, AL_LOOPING) == 1);
+    EXPECT_EQ(VECTOR3D(x, y, z), VECTOR3D(7, 8, 9)); // the valid source's position alone
+    EXPECT_TRUE(SourceInt(name, AL_SOURCE_STATE) == AL_INITIAL && s.GetState() == -1);
+    EXPECT_EQ(SourceInt(name, AL_LOOPING), 1);
     s.valid = true;
 
     // The listener: position, then the view direction and the up vector.
