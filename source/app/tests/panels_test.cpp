@@ -59,8 +59,7 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
 
     // The repair is one step; undo brings the problem back.
     FixButton(row)->click();
-    EXPECT_EQ(L().Segments[0]->Sides[4].Texture, -1);
-    EXPECT_EQ(Count(), 1);
+    EXPECT_TRUE(L().Segments[0]->Sides[4].Texture == -1 && Count() == 1);
     EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps + 1);
     W->Command(CM_UNDO);
     EXPECT_EQ(L().Segments[0]->Sides[4].Texture, 7);
@@ -92,9 +91,7 @@ TEST_F(PanelsTest, ObjectListFliesToAndDeletesObjects)
     list.setFocus();
     list.setCurrentRow(0);
     QTest::keyClick(&list, Qt::Key_Delete);
-    EXPECT_EQ(L().SpecPoints[0], nullptr);
-    EXPECT_EQ(list.count(), 0);
-    EXPECT_EQ(W->Document()->History.Steps(), steps + 1);
+    EXPECT_TRUE(!L().SpecPoints[0] && list.count() == 0 && W->Document()->History.Steps() == steps + 1);
     W->Command(CM_UNDO);
     EXPECT_NE(L().SpecPoints[0], nullptr);
 }
