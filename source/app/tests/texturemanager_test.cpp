@@ -126,14 +126,12 @@ TEST_F(TextureDialogTest, LoadDeleteAndReplace)
     EXPECT_TRUE(!L.Textures[0] && List(d).count() == 2 && Checkpoints == 1);
 
     Chosen = "";
-    const uint64_t revision = L.Revision;
     Press(d, 101); // cancelled
-    EXPECT_EQ(L.Revision, revision);
+    EXPECT_EQ(Checkpoints, 1);
 
     Chosen = c;
     Press(d, 101); // into the first empty slot
     EXPECT_TRUE(SlotOf(c) == 0 && List(d).count() == 3 && Checkpoints == 2);
-    EXPECT_EQ(List(d).item(0)->text().toStdString(), MakeRelativePath(c));
 
     // "Csere" on the current texture: same slot, still current.
     L.CurrentTexture = 2;
@@ -196,8 +194,7 @@ TEST_F(TextureDialogTest, PreviewShowsTheSelectedTextureWithItsColourKey)
     // The file's last row on top; black is the colour key.
     EXPECT_EQ((std::vector{image.pixelColor(0, 0), image.pixelColor(1, 0), image.pixelColor(1, 1)}),
               (std::vector{QColor(0, 255, 0), QColor(0, 0, 255), QColor(255, 0, 0)}));
-    EXPECT_EQ(image.pixelColor(0, 1).alpha(), 0);
-    EXPECT_EQ(d.PreviewInfo->text(), "4 × 2 képpont, 24 bites");
+    EXPECT_TRUE(image.pixelColor(0, 1).alpha() == 0 && d.PreviewInfo->text() == "4 × 2 képpont, 24 bites");
     // Drawn over the checkerboard: the key pixel is not black on screen.
     const QImage shown = d.Preview->grab().toImage();
     const QPoint keyPixel(d.Preview->width() / 2 - d.Preview->width() / 4 - 2, d.Preview->height() / 2 + 2);
@@ -206,6 +203,5 @@ TEST_F(TextureDialogTest, PreviewShowsTheSelectedTextureWithItsColourKey)
     // A texture whose file went away since shows nothing and ends nothing.
     fs::remove(a);
     Press(d, 104);
-    EXPECT_TRUE(d.Preview->Image().isNull());
-    EXPECT_EQ(d.PreviewInfo->text(), "A fájl nem található.");
+    EXPECT_TRUE(d.Preview->Image().isNull() && d.PreviewInfo->text() == "A fájl nem található.");
 }

@@ -49,7 +49,6 @@ TEST_F(RunTest, EditsAreSavedAndDumpedAsTheToolDoes)
     EXPECT_EQ(r.Out, Cli({"dump", Path("my level.ORVLevel")}).Out);
     EXPECT_EQ(ReadText(In("copy.json")), r.Out);
     EXPECT_NE(r.Out.find(R"({"index": 4, "x": -99, "y": 100, "z": -100})"), std::string::npos);
-    EXPECT_NE(r.Out.find(R"("neighbours": [1, -1, -1, -1, -1, -1])"), std::string::npos);
 
     r = Run("load " + Path("my level.ORVLevel") + "\ndump -\n");
     EXPECT_TRUE(r.Status == 0 && r.Out == ReadText(In("copy.json")));
@@ -134,13 +133,12 @@ TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
     r = Run("\nsave " + Path("io") + "\n");
     EXPECT_TRUE(r.Status == 1 && r.Err.find(Error(2, "cannot save " + Path("io"))) != std::string::npos);
     r = Run("dump " + Path("nodir/a.json") + "\n");
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_EQ(r.Err, Error(1, "cannot write " + Path("nodir/a.json") + ": No such file or directory"));
+    EXPECT_TRUE(r.Status == 1 && r.Err == Error(1, "cannot write " + Path("nodir/a.json") + ": No such file or directory"))
+        << r.Err;
     EXPECT_FALSE(fs::exists(In("after")));
-
     r = Cli({"run", Path("none")});
-    EXPECT_EQ(r.Status, 1);
-    EXPECT_EQ(r.Err, "orvane-cli run: cannot read " + Path("none") + ": No such file or directory\n");
+    EXPECT_TRUE(r.Status == 1 && r.Err == "orvane-cli run: cannot read " + Path("none") + ": No such file or directory\n")
+        << r.Err;
 }
 
 TEST_F(RunTest, UndoAndRedoRetraceScriptedEdits)

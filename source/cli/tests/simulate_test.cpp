@@ -3,24 +3,14 @@
 
 #include <string>
 
-namespace {
-
-class SimulateTest : public CliTest
+TEST_F(CliTest, SimulatePlacedObjectsRunRepeatablyFromASeed)
 {
-protected:
-    static size_t Count(const std::string& text, const std::string& what)
-    {
+    auto count = [](const std::string& text, const std::string& what) {
         size_t n = 0;
         for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
             ++n;
         return n;
-    }
-};
-
-} // namespace
-
-TEST_F(SimulateTest, PlacedObjectsRunRepeatablyFromASeed)
-{
+    };
     // Two ships and three items placed from the camera in the default cube;
     // the second ship is placed and then deleted again, which leaves its
     // explosion and dropped items in the level.
@@ -34,13 +24,13 @@ TEST_F(SimulateTest, PlacedObjectsRunRepeatablyFromASeed)
     ASSERT_EQ(r.Status, 0) << r.Err;
     std::string placed = Cli({"dump", Path("placed")}).Out;
     // The placed items plus at least one drop; effects are never saved.
-    EXPECT_TRUE(Count(placed, R"("class": "SPACESHIP")") == 1 && Count(placed, R"("class": "P_)") >= 4 && Count(placed, "EXPLOSION") == 0);
+    EXPECT_TRUE(count(placed, R"("class": "SPACESHIP")") == 1 && count(placed, R"("class": "P_)") >= 4 && count(placed, "EXPLOSION") == 0);
 
     ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("a"), "7"}).Status, 0);
     ASSERT_EQ(Cli({"simulate", Path("placed"), "200", Path("b"), "7"}).Status, 0);
     EXPECT_TRUE(ReadText(In("a")) == ReadText(In("b")));
     std::string after = Cli({"dump", Path("a")}).Out;
-    EXPECT_TRUE(after != placed && Count(after, R"("class": "SPACESHIP")") == 1); // items turn, ships count money
+    EXPECT_TRUE(after != placed && count(after, R"("class": "SPACESHIP")") == 1); // items turn, ships count money
 
     EXPECT_EQ(Cli({"simulate", Path("placed"), "-1", Path("d")}).Status, 2);
     EXPECT_EQ(Cli({"simulate", Path("placed"), "1", Path("d"), "x"}).Status, 2);
