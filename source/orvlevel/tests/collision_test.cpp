@@ -19,41 +19,6 @@ protected:
     bool Move(VECTOR3D from, VECTOR3D* to) { return L->CollidePoint(&from, 0, nullptr, 5, true, to, true); }
 };
 
-TEST_F(CollisionTest, PointsNearAWallAreHeldBack)
-{
-    for (int mode : {0, 1, 2})
-    {
-        VECTOR3D p(50, 97, 50);
-        EXPECT_TRUE(Push(&p, mode, 0, 5)) << mode;
-        ExpectNear(p, {50, 95, 50});
-    }
-    VECTOR3D p(50, 97, 50);
-    EXPECT_FALSE(Push(&p, 2, 0, 2));
-    EXPECT_FALSE(Push(&p, 3, 0, 5));
-    EXPECT_EQ(p, VECTOR3D(50, 97, 50));
-
-    // Near an edge both walls push, each from where the other left it.
-    VECTOR3D corner(97, 97, 50);
-    EXPECT_TRUE(Push(&corner, 2, 0, 5));
-    ExpectNear(corner, {95, 95, 50});
-    // Sides are split along corners 1-3: beside that diagonal, under the
-    // second triangle, the first one's edge pushes away from the diagonal.
-    VECTOR3D diagonal(-1, 97, 0);
-    EXPECT_TRUE(Push(&diagonal, 2, 0, 5));
-    ExpectNear(diagonal, {-1.3111f, 95.1334f, -0.3111f});
-    // An edge only counts where the foot of the point lies on it.
-    VECTOR3D beyond(-1, 3, 0);
-    EXPECT_FALSE(ORVLEVEL::CollideEdge({0, 0, 0}, {100, 0, 0}, &beyond, 5, true));
-
-    // Swept motion stops before the wall.
-    VECTOR3D to(50, 110, 50);
-    EXPECT_TRUE(Move({50, 90, 50}, &to));
-    ExpectNear(to, {50, 95, 50});
-    to = {50, 80, 50};
-    EXPECT_FALSE(Move({50, 0, 50}, &to));
-    EXPECT_EQ(to, VECTOR3D(50, 80, 50));
-}
-
 TEST_F(CollisionTest, DoorOpensOnTouchAndLetsThroughWhenOpen)
 {
     Top().WallType = WALL_DOOR;
