@@ -13,25 +13,11 @@
 #include "things/thingmeshes.h"
 
 #include <array>
-#include <cmath>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <string>
 
 namespace {
-
-// The floor of a segment: the side whose inward normal points up.
-int Floor(const ORVLEVEL& L, int32_t s)
-{
-    for (int i = 0; i < 6; ++i)
-    {
-        VECTOR3D* c = const_cast<ORVLEVEL&>(L).GetSideCorners(s, i);
-        if (c && TriangleNormal(c[0], c[1], c[2]).y > 0.9f)
-            return i;
-    }
-    return -1;
-}
 
 // The door's panel as it is drawn: its corners, the sliding ones moved by its
 // opening, mirrored across `axis` about `centre` when asked.
@@ -217,39 +203,4 @@ TEST_F(BlocksTest, MarksFollowTheSegmentsAndBlockFilesPasteAsCopiesDo)
     ASSERT_TRUE(BlockPaste(Editor));
     EXPECT_EQ(L.Serialize(), copied);
     EXPECT_EQ(BlockLoad(Editor, (dir.Path / "none").string()), BLOCKFILE_FAILED);
-}
-
-TEST_F(BlocksTest, SpreadTextureRunsOnAcrossFlatWallsOnly)
-{
-    // A third floor beside the second, and a fourth beyond it tilted by 8.5 degrees.
-    Select(2, 4);
-    L.NewSegment();
-    Select(3, 4);
-    L.NewSegment();
-    for (int slot : SideCorners[4])
-        if (VECTOR3D* p = L.Points[L.Segments[4]->Corners[slot]]; p->y < 0)
-            p->y -= 30;
-    Select(0, 2);
-    L.RestoreTexture();
-    L.Segments[0]->Sides[2].Texture = 1;
-    ASSERT_TRUE(BlockSpreadTexture(Editor));
-
-    std::map<int32_t, TEXPAIR> at; // texture pair at each floor point
-    for (int32_t s = 0; s < 5; ++s)
-    {
-        const int f = Floor(L, s);
-        ASSERT_GE(f, 0);
-        for (int i = 0; i < 6; ++i)
-            EXPECT_EQ(L.Segments[s]->Sides[i].Texture, i == f && s != 1 && s != 4 ? 1 : (L.Segments[s]->Neighbours[i] == -1 ? 0 : -1))
-                << s << " " << i;
-        if (s == 1 || s == 4)
-            continue;
-        for (int k = 0; k < 4; ++k)
-        {
-            const TEXPAIR t = L.Segments[s]->Sides[f].TexCoords[k];
-            auto [it, fresh] = at.try_emplace(L.Segments[s]->Corners[SideCorners[f][k]], t);
-            EXPECT_TRUE(fresh || (std::fabs(it->second.s - t.s) < 1e-4f && std::fabs(it->second.t - t.t) < 1e-4f))
-                << "seam at point " << it->first;
-        }
-    }
 }

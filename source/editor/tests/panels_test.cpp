@@ -2,7 +2,6 @@
 
 #include "orvlevel/level.h"
 #include "platform/tests/testplatform.h"
-#include "things/thing.h"
 
 TEST(Panels, TheCameraFacesWhatWasChosen)
 {
@@ -35,24 +34,4 @@ TEST(Panels, TheCameraFacesWhatWasChosen)
     for (const char* bad : {"", "1 2 3", "1 2 3 4 5 6 7 8 9 10 11 12 13", "1 2 3 4 5 6 7 8 9 10 11 nan"})
         EXPECT_FALSE(CameraFromText(bad, back)) << bad;
     EXPECT_EQ(back.Position, camera.Position);
-}
-
-TEST(Panels, ObjectsAreListedAndDeletedBySlot)
-{
-    ORVLEVEL level;
-    level.AddThing(new THING);
-    level.Add(STATICLIGHT{{1, 2, 3}, {1, 1, 1}, 10});
-    level.Add(SPECPOINT{{4, 5, 6}, 0});
-    level.Add(SPECPOINT{{4, 5, 6}, 0});
-    std::vector<std::string> texts;
-    for (const LEVELOBJECT& o : ListObjects(level))
-        texts.push_back(o.Text);
-    EXPECT_EQ(texts, (std::vector<std::string>{"Cucc 0 (THING) (0, 0, 0)", "Fényforrás 0 (1, 2, 3)",
-                                               "Kezdőpont 0 (4, 5, 6)", "Kezdőpont 1 (4, 5, 6)"}));
-    EXPECT_TRUE(DeleteObject(level, OBJ_SPECPOINT, 1));
-    EXPECT_FALSE(DeleteObject(level, OBJ_SPECPOINT, 1));
-    EXPECT_NE(level.SpecPoints[0], nullptr);
-    EXPECT_TRUE(DeleteObject(level, OBJ_THING, 0));
-    EXPECT_TRUE(DeleteObject(level, OBJ_LIGHT, 0));
-    EXPECT_EQ(ListObjects(level).size(), 1u);
 }

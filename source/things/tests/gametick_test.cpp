@@ -84,87 +84,6 @@ TEST_F(GameTickTest, PhysicsStepPushesSolidPairsApartByTheFirstObjectsDistance)
     EXPECT_TRUE(twin->position == VECTOR3D(50, 50, 50) && twin2->position == VECTOR3D(50, 50, 50));
 }
 
-TEST_F(GameTickTest, DeadObjectsAreOnlyEverTheSecondOfAPair)
-{
-    // A dead object in the later slot is still touched and pushed, and keeps
-    // its hit since no wall pass clears it; it is neither wall-tested nor
-    // committed.
-    BLOCK* live = Put(0, {0, 0, 0}, 10);
-    BLOCK* dead = Put(1, {0, 15, 0}, 10);
-    live->pushDistance = 3, live->axisZ = {0, 1, 0}, dead->dead = true;
-    dead->axisX = {0, 1, 0}, dead->axisY = {-1, 0, 0}, dead->axisZ = {0, 0, 1};
-    L->PhysicsStep();
-    EXPECT_TRUE(live->position == VECTOR3D(0, -3, 0) && dead->position == VECTOR3D(0, 18, 0) && dead->hit);
-    EXPECT_TRUE(dead->oldPosition == VECTOR3D(0, 15, 0) && dead->oldAxisY == VECTOR3D(0, 1, 0));
-    EXPECT_TRUE(dead->segment == -1 && live->segment == 0 && live->oldAxisZ == VECTOR3D(0, 1, 0));
-
-    // In the earlier slot it starts no pair at all.
-    std::swap(L->Things[0], L->Things[1]);
-    dead->hit = false;
-    live->position = live->oldPosition = {0, 5, 0};
-    L->PhysicsStep();
-    EXPECT_TRUE(live->position == VECTOR3D(0, 5, 0) && dead->position == VECTOR3D(0, 18, 0) && !dead->hit);
-}
-
-TEST_F(GameTickTest, WallCollisionKeepsObjectsInsideTheCube)
-{
-    // (Paths keep clear of the diagonals the sides are split along, where
-    // triangle edges push sideways.)
-    // Moving straight out through the top: the outer pass hits, the top
-    // corners are stopped 5 units before the wall and the object with them.
-    BLOCK* b = Put(0, {40, 0, 10}, 10);
-    b->segment = 0, b->outerRadius = 17.320508f, b->innerRadius = 10;
-    b->position = {40, 150, 10};
-    b->CollideWithWalls();
-    ExpectNear(b->position, {40, 85, 10});
-    EXPECT_TRUE(b->hit);
-
-    // A box reaching beyond the wall goes unnoticed while the outer radius
-    // stays clear of it; the inner pass still corrects but does not count as
-    // a hit. A zero box behaves the same.
-    for (float h : {0.0f, 15.0f})
-    {
-        SCOPED_TRACE(h);
-        BLOCK* t = Put(1, {60, 0, 0}, h);
-        t->innerRadius = 20, t->hit = true, t->position = {60, 90, 0};
-        t->CollideWithWalls();
-        ExpectNear(t->position, {60, 80, 0});
-        EXPECT_FALSE(t->hit);
-        delete t;
-    }
-    L->Things[1] = nullptr;
-
-    // The segment names where to look: a wall of an unjoined cube elsewhere
-    // is missed from segment 0 and found when the segment is unknown.
-    int far = AddCube({1000, 0, 0});
-    for (int32_t seg : {0, far, -1})
-    {
-        SCOPED_TRACE(seg);
-        BLOCK* t = Put(1, {1040, 0, 10}, 0);
-        t->segment = seg, t->position = {1040, 150, 10};
-        t->CollideWithWalls();
-        EXPECT_EQ(t->hit, seg != 0);
-        EXPECT_NEAR(t->position.y, seg == 0 ? 150.0f : 95.0f, 1e-3f);
-        delete t;
-    }
-    L->Things[1] = nullptr;
-}
-
-TEST_F(GameTickTest, BodyPointsComeFromThePreviousFrame)
-{
-    // A pure turn in place swings the point 70 units along X through the top
-    // wall; only its previous place (on the old axes) shows the crossing.
-    BLOCK* b = Put(0, {0, 50, 0}, 0);
-    b->axisX = {0, 1, 0}, b->axisY = {-1, 0, 0};
-    EXPECT_TRUE(b->CollideBodyPoint(0, 0, 70, L->Segments[0]) && b->hit);
-    ExpectNear(b->position, {0, 25, 0});
-
-    // The same offset given as z moves along the turn axis: no wall.
-    b->position = {0, 50, 0}, b->hit = false;
-    EXPECT_FALSE(b->CollideBodyPoint(70, 0, 0, L->Segments[0]) || b->hit);
-    EXPECT_EQ(b->position, VECTOR3D(0, 50, 0));
-}
-
 TEST_F(GameTickTest, FindTouchingThingFollowsBothPaths)
 {
     THING* none[] = {nullptr};
@@ -255,23 +174,6 @@ TEST_F(GameTickTest, RechargerSegmentsSparkEveryFourthTick)
     }
     L->GameTick(cam);
     EXPECT_TRUE(CountSparks() == 4 && L->SparkCountdown == 4);
-}
-
-TEST(Thing, ControlAndBox)
-{
-    THING t;
-    for (int how : {0, 12, -1}) // unknown commands are ignored
-        t.Control(how, 10.0f);
-    EXPECT_TRUE(t.position == VECTOR3D(0, 0, 10) && t.axisX == VECTOR3D(0, 0, 1)); // along axisX
-
-    // Bounds in either order.
-    t.position = {10, 0, 0};
-    t.boxXLow = 2, t.boxXHigh = 6; // along axisX = +z
-    t.boxYLow = -1, t.boxYHigh = 1;
-    t.boxZLow = -4, t.boxZHigh = 0;
-    THINGBOX b = t.GetBox();
-    EXPECT_EQ(b.Centre, VECTOR3D(10 - 2, 0, 4));
-    EXPECT_TRUE(b.HalfX == VECTOR3D(0, 0, 4) && b.HalfY == VECTOR3D(0, 1, 0) && b.HalfZ == VECTOR3D(2, 0, 0));
 }
 
 TEST(Thing, RandomOffsetsStayInsideTheirShapes)

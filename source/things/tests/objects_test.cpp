@@ -16,7 +16,6 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -173,94 +172,6 @@ TEST_F(ObjectsTest, EffectsLiveTheirTicks)
         EXPECT_THROW(LaserColour(bad), FATALEXIT);
         EXPECT_EQ(P().Messages.back().Caption + P().Messages.back().Text, "FATAL!Invalid Laser shot level value!");
     }
-}
-
-TEST_F(ObjectsTest, ShotsFlyHitAndExplode)
-{
-    auto* owner = new SPACESHIP;
-    auto* victim = new SPACESHIP;
-    victim->position = {0, 0, 60};
-    L->AddThing(owner);
-    L->AddThing(victim);
-
-    // Fired from inside its owner's box, the shot passes the owner.
-    auto* shot = new LASERSHOT(false, {0, 0, 0});
-    shot->owner = owner, shot->speed = 20, shot->damage = 5;
-    int slot = L->AddThing(shot);
-    shot->Update();
-    EXPECT_TRUE(!shot->dead && shot->position == VECTOR3D(0, 0, 20) && owner->shield == 100);
-    shot->Update();
-    shot->Update();
-    EXPECT_TRUE(shot->dead && victim->shield == 95);
-    delete L->Things[slot];
-    L->Things[slot] = nullptr;
-    EXPECT_EQ(Count<EXPLOSION>(), 1);
-
-    LASERSHOT wall(false, {}), far(false, {});
-    wall.hit = true;
-    wall.Update();
-    EXPECT_TRUE(wall.dead && wall.position == VECTOR3D());
-    far.position = {0, 10001, 0};
-    far.Update();
-    EXPECT_TRUE(far.dead);
-}
-
-TEST_F(ObjectsTest, ShipDropsWhenDestroyed)
-{
-    auto drop = [&](int tempests, int weapon, float energy) {
-        auto* s = new SPACESHIP;
-        s->tempestCount = tempests, s->primaryWeapon = weapon, s->energy = energy;
-        L->AddThing(s);
-        L->DeleteNearestThing({});
-    };
-    drop(0, -1, 14);
-    EXPECT_TRUE(Count<P_TEMPEST>() == 1 && Count<P_LASERBOOST>() + Count<P_ENERGY>() == 0);
-    // The explosion comes first.
-    auto* boom = dynamic_cast<EXPLOSION*>(*std::find_if(L->Things, L->Things + MAX_THINGS, [](THING* t) { return t; }));
-    ASSERT_NE(boom, nullptr);
-    EXPECT_TRUE(boom->growth == 10 && boom->maxSize == 300);
-    for (THING* t : std::span(L->Things, MAX_THINGS))
-        EXPECT_TRUE(!t || t == boom || Length(t->position) <= 30.0f); // dropped around the ship
-
-    L = std::make_unique<ORVLEVEL>();
-    drop(10, 9, 150);
-    EXPECT_TRUE(Count<P_TEMPEST>() >= 1 && Count<P_LASERBOOST>() >= 1);
-}
-
-TEST_F(ObjectsTest, ShipUpdates)
-{
-    SPACESHIP s;
-    s.Level = L.get();
-    s.playerControlled = 1, s.segment = 0;
-    L->Segments[0]->Type = 1; // recharger
-    s.energy = 99.95f, s.shield = 250;
-    std::strcpy(s.messages[5], "old");
-    s.Update();
-    EXPECT_NEAR(s.energy, 100.05f, 1e-4f);
-    EXPECT_NEAR(s.money, 5000.1f, 1e-3f);
-    EXPECT_EQ(s.shield, 200);
-    s.Update();
-    EXPECT_NEAR(s.energy, 100.05f, 1e-4f);
-    for (int i = 0; i < 18; ++i)
-        s.Update();
-    EXPECT_STREQ(s.messages[4], "old"); // scrolled once after 20 ticks
-
-    // How long a dying ship lasts and a salvo's energy are the play session's.
-    SPACESHIP gunner;
-    gunner.energy = 50, gunner.primaryWeapon = 4;
-    gunner.FirePrimary(L.get());
-    EXPECT_TRUE(gunner.primaryCooldown == 20 && Count<LASERSHOT>() == 2);
-    EXPECT_NEAR(gunner.energy, 50 - 2.1f, 1e-4f);
-    auto* shot = FirstOf<LASERSHOT>(*L);
-    ASSERT_NE(shot, nullptr);
-    EXPECT_TRUE(shot->speed == 60 && shot->damage == 8 && shot->level == 5);
-    EXPECT_EQ(shot->position, VECTOR3D(-15, 0, 15));
-    bool side = gunner.launchSide;
-    gunner.FireSecondary(L.get());
-    EXPECT_TRUE(Count<TEMPEST>() == 1 && gunner.tempestCount == 9 && gunner.launchSide != side);
-    gunner.primaryCooldown = 0, gunner.primaryWeapon = 10;
-    EXPECT_THROW(gunner.FirePrimary(L.get()), FATALEXIT);
-    EXPECT_EQ(P().Messages.back().Text, "Invalid primary weapon!");
 }
 
 TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
