@@ -12,6 +12,7 @@
 #include "things/thingmeshes.h"
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -36,6 +37,12 @@ protected:
         H.Begin();
         Editor.Command(id);
         return H.Checkpoint();
+    }
+    bool Advances(const std::function<void()>& change)
+    {
+        uint64_t before = Doc.Revision();
+        change();
+        return Doc.Revision() > before;
     }
 };
 
@@ -142,6 +149,46 @@ TEST_F(ControllerTest, UndoAndRedoWalkBackAndForthThroughExactImages)
     EXPECT_TRUE(Act(CM_POINTYPLUS));
     EXPECT_FALSE(H.CanRedo());
     EXPECT_TRUE(P().Messages.empty());
+}
+
+TEST_F(ControllerTest, EveryChangeAdvancesTheRevisionAndNothingElseDoes)
+{
+    EXPECT_TRUE(TheLevel == &L && !Doc.Modified());
+    L.CurrentSegment = 0, L.CurrentSide = 2;
+
+    // Level operations, the controller's commands and clicks.
+    EXPECT_TRUE(Advances([&] { Editor.Command(CM_NEWSEGMENT); }));
+    EXPECT_TRUE(Doc.Modified());
+    for (int id : {CM_POINTXPLUS, CM_POINTYMINUS, CM_RESTORETEXTURE, CM_APPLYTEXTURE, CM_CLEARSIDETEXTURE,
+                   CM_CALCULATELIGHTING, CM_FULLBRIGHTNESS, CM_STARTPOINT, CM_DELETENEARESTSPECPOINT, CM_ENEMYSHIP,
+                   CM_DELETENEARESTTHING, CM_SHIELDBONUS})
+        EXPECT_TRUE(Advances([&] { Editor.Command(id); })) << id;
+    int cube = AddCubeCopy(L, {1000, 0, 0});
+    const std::function<void()> changes[] = {
+        [&] { L.NewLight(Cam.Position, 255, 0, 0, 100); }, [&] { Editor.Command(CM_DELETENEARESTLIGHT); },
+        [&] { L.Add("WallTex.bmp"); }, [&] { L.ReplaceTextureAt("InvSide.bmp", 1); }, [&] { L.DeleteTextureAt(1); },
+        [&] { L.JoinSides(0, 0, cube, 2, 0); }, [&] { L.FitTexture(0, 1, 0, 4); }, [&] { L.Unlink(0, 0); },
+        [&] { L.DeleteSegment(cube); }};
+    for (size_t i = 0; i < std::size(changes); ++i)
+        EXPECT_TRUE(Advances(changes[i])) << i;
+
+    // Selection and camera changes, refusals and lookups leave it.
+    EXPECT_FALSE(Advances([&] {
+        Editor.Command(CM_NEXTPOINT);
+        Cam.Move(CAM_FORWARD, 10);
+        Editor.LeftClick(320, 240);
+        L.FindSegment({0, 0, 0});
+        (void)L.Serialize();
+    }));
+    L.CurrentSegment = -1;
+    EXPECT_FALSE(Advances([&] {
+        for (int id : {CM_NEWSEGMENT, CM_POINTZPLUS, CM_APPLYTEXTURE, CM_RESTORETEXTURE, CM_DELETESEGMENT,
+                       CM_CLEARSIDETEXTURE, CM_DELETENEARESTLIGHT, CM_DELETENEARESTSPECPOINT, CM_JOINMODE})
+            Editor.Command(id);
+        L.JoinSides(0, 0, 0, 0, 0);
+        L.FitTexture(0, 0, 0, 2); // opposite sides share no edge
+    }));
+    EXPECT_GT(P().Beeps, 0);
 }
 
 TEST_F(ControllerTest, OpenSaveAndSaveAsAnswerAndKeepTheModifiedState)

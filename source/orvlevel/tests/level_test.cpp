@@ -43,6 +43,36 @@ protected:
     }
 };
 
+TEST_F(LevelTest, LowestFreeSlotAndFullTables)
+{
+    L->DeletePoint(6);
+    L->DeletePoint(3);
+    EXPECT_EQ((std::vector{L->Add(VECTOR3D()), L->Add(VECTOR3D()), L->Add(VECTOR3D())}), (std::vector{3, 6, 8}));
+    while (L->Add(VECTOR3D()) >= 0) {}
+    EXPECT_EQ(Filled(L->Points, MAX_POINTS), MAX_POINTS);
+    L->DeletePoint(MAX_POINTS - 1);
+    EXPECT_EQ(L->Add(VECTOR3D()), MAX_POINTS - 1);
+    EXPECT_FALSE(L->PutPoint(-1, VECTOR3D()) || L->PutSegment(MAX_SEGMENTS, *L->Segments[0]));
+
+    // A segment's address names its slot; a copy's, or a dropped one's, none.
+    SEGMENT copy = *L->Segments[0];
+    ASSERT_TRUE(L->PutSegment(9, copy));
+    SEGMENT* nine = L->Segments[9];
+    EXPECT_TRUE(L->SegmentIndexOf(nine) == 9 && L->SegmentIndexOf(&copy) == -1);
+    L->DropSegment(9);
+    EXPECT_TRUE(!L->Segments[9] && L->SegmentIndexOf(nine) == -1);
+
+    EXPECT_EQ(L->AddThing(nullptr), -1);
+    auto* t = new COUNTED({5, 6, 7});
+    t->axisX = {0, 0, -1};
+    ASSERT_EQ(L->AddThing(t), 0);
+    EXPECT_TRUE(t->oldPosition == VECTOR3D(5, 6, 7) && t->oldAxisX == VECTOR3D(0, 0, -1));
+    for (int i = 1; i < MAX_THINGS; ++i)
+        ASSERT_EQ(L->AddThing(new COUNTED({})), i);
+    COUNTED extra({});
+    EXPECT_EQ(L->AddThing(&extra), -1); // still ours: destroyed with this scope
+}
+
 TEST_F(LevelTest, DeleteNearest)
 {
     L->DeleteNearestLight({});

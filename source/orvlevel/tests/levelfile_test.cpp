@@ -5,8 +5,12 @@
 #include "platform/binio.h"
 #include "things/thingclasses.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace fs = std::filesystem;
 
@@ -222,6 +226,57 @@ TEST_F(LevelFileTest, SaveAndLoadThroughFiles)
     EXPECT_TRUE(P().Messages.empty());
     EXPECT_EQ(back->FileName, file.string());
     EXPECT_EQ(back->Serialize(), before);
+}
+
+// A save never costs the previous file: not when the folder or the file is
+// refused, not when the write fails half way; and it leaves no temporary.
+TEST_F(LevelFileTest, FailedSaveKeepsThePreviousFileAndSaysSo)
+{
+    const fs::path file = Dir / "level.ORVLevel";
+    WriteFile(file, {1, 2, 3});
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    // What a killed save left beside the file goes with the next save; a
+    // name that only looks alike stays.
+    WriteFile(Dir / ".level.ORVLevel.orvsave-Ab3xYz", {9});
+    WriteFile(Dir / ".level.ORVLevel.orvsave-Ab3xYz7", {9});
+    L->SaveLevel(file.c_str());
+    EXPECT_TRUE(P().Messages.empty());
+    EXPECT_EQ(ReadFile(file), L->Serialize());
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+    fs::create_directory(Dir / "sub");
+    const fs::path locked = Dir / "locked.ORVLevel"; // refused even for root
+    WriteFile(locked, {4, 5});
+    fs::permissions(locked, fs::perms::owner_read);
+    for (fs::path target : {Dir / "nodir" / "x.ORVLevel", Dir / "sub", locked})
+    {
+        P().Reset();
+        L->SaveLevel(target.c_str());
+        EXPECT_NE(OneStop().find(target.string()), std::string::npos);
+    }
+    EXPECT_EQ(ReadFile(locked), (std::vector<uint8_t>{4, 5}));
+    fs::remove(locked);
+
+    // Over the file size limit (which holds for root too) the write fails
+    // half way.
+    const std::vector<uint8_t> previous = ReadFile(file);
+    L->Points[0]->x = 1;
+    rlimit old, small;
+    getrlimit(RLIMIT_FSIZE, &old);
+    small = {100, old.rlim_max};
+    auto oldSignal = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    P().Reset();
+    L->SaveLevel(file.c_str());
+    setrlimit(RLIMIT_FSIZE, &old);
+    signal(SIGXFSZ, oldSignal);
+    OneStop();
+    EXPECT_EQ(ReadFile(file), previous);
+    std::vector<fs::path> left;
+    for (const auto& e : fs::directory_iterator(Dir))
+        left.push_back(e.path().filename());
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<fs::path>{".level.ORVLevel.orvsave-Ab3xYz7", "level.ORVLevel", "sub"}));
 }
 
 } // namespace

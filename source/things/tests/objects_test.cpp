@@ -174,6 +174,36 @@ TEST_F(ObjectsTest, EffectsLiveTheirTicks)
     }
 }
 
+TEST_F(ObjectsTest, ShotsFlyHitAndExplode)
+{
+    auto* owner = new SPACESHIP;
+    auto* victim = new SPACESHIP;
+    victim->position = {0, 0, 60};
+    L->AddThing(owner);
+    L->AddThing(victim);
+
+    // Fired from inside its owner's box, the shot passes the owner.
+    auto* shot = new LASERSHOT(false, {0, 0, 0});
+    shot->owner = owner, shot->speed = 20, shot->damage = 5;
+    int slot = L->AddThing(shot);
+    shot->Update();
+    EXPECT_TRUE(!shot->dead && shot->position == VECTOR3D(0, 0, 20) && owner->shield == 100);
+    shot->Update();
+    shot->Update();
+    EXPECT_TRUE(shot->dead && victim->shield == 95);
+    delete L->Things[slot];
+    L->Things[slot] = nullptr;
+    EXPECT_EQ(Count<EXPLOSION>(), 1);
+
+    LASERSHOT wall(false, {}), far(false, {});
+    wall.hit = true;
+    wall.Update();
+    EXPECT_TRUE(wall.dead && wall.position == VECTOR3D());
+    far.position = {0, 10001, 0};
+    far.Update();
+    EXPECT_TRUE(far.dead);
+}
+
 TEST_F(ObjectsTest, ShipsPickTargetsAndShop)
 {
     auto add = [&](VECTOR3D at, int team) {
