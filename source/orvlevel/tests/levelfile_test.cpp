@@ -80,6 +80,33 @@ protected:
     }
 };
 
+TEST_F(LevelFileTest, HandBuiltFileLoadsEveryField)
+{
+    LEVELBYTES f;
+    f.Header("Pr\xF3" "ba").Point(0, 1.5f, -2, 3).Point(5, 4, 5, 6).Point(39999, -7, 8.25f, 9).End();
+    f.Segment(3, 2).Segment(4999, 7).End();
+    // A name may fill its whole field: the second is read after a longer one.
+    f.Texture(4, "SmallExplosion.bmp", 19).Texture(5, "WallTex.bmp", 11).Texture(199, "InvSide.bmp").End();
+    f.End().Light(127).End().SpecPoint(255, 3).End();
+    WriteFile(Dir / "hand.ORVLevel", f.B);
+
+    L->CurrentSegment = 0;
+    L->LoadLevel((Dir / "hand.ORVLevel").c_str());
+    EXPECT_TRUE(P().Messages.empty());
+    EXPECT_STREQ(L->Name, "Pr\xF3" "ba");
+    EXPECT_EQ(L->FileName, (Dir / "hand.ORVLevel").string());
+    EXPECT_EQ(L->CurrentSegment, 0); // the selection survives a load
+    EXPECT_EQ(L->Points[39999]->y, 8.25f);
+    ExpectSegment(L->Segments[3], 2, 736, 2);
+    ExpectSegment(L->Segments[4999], 7, 736, 3);
+    EXPECT_EQ(Filled(L->Segments, MAX_SEGMENTS), 2);
+    EXPECT_EQ(std::string(L->Textures[4]->FileName) + L->Textures[5]->FileName + L->Textures[199]->FileName,
+              "SmallExplosion.bmpWallTex.bmpInvSide.bmp");
+    EXPECT_TRUE(L->Lights[127]->Colour.y == 0.25f && L->Lights[127]->Brightness == 10000.0f);
+    EXPECT_TRUE(L->SpecPoints[255]->Position.z == -3.0f && L->SpecPoints[255]->Type == 3);
+    EXPECT_NE(L->InvisibleSideTexture, nullptr);
+}
+
 TEST_F(LevelFileTest, OldSegmentRecordsLoadWithTypeZeroAndSaveAsCurrent)
 {
     // The slot held a segment of type 3 before: an old record sets the type
