@@ -4,7 +4,6 @@
 #include "platform/tests/testplatform.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -128,36 +127,4 @@ TEST(BitmapTest, RefusesWithoutWritingAnything)
     cut.resize(20); // no depth field
     EXPECT_EQ(out.Load(dir.Write("c.bmp", cut), size), 0u);
     EXPECT_EQ(NextFreeFd(), before) << "a file was left open";
-}
-
-using BitmapFatalTest = PlatformTest;
-
-TEST_F(BitmapFatalTest, MissingOrReadOnlyFileEndsTheProgram)
-{
-    TEMPDIR dir;
-    std::string good = dir.Write("good.bmp", Bmp(1, 1, 24, 3, {1, 2, 3}));
-    std::string locked = dir.Write("locked.bmp", Bmp(1, 1, 24, 3, {1, 2, 3}));
-    chmod(locked.c_str(), 0444);
-    OUTBUF out;
-    int32_t size[2] = {};
-
-    // Shown as given, converted from code page 1250.
-    std::string missing = (dir.Path / "hi\xE1nyz\xF3.bmp").string();
-    std::string missingShown = (dir.Path / "hiányzó.bmp").string();
-    for (auto [name, shown] : {std::pair{missing, missingShown}, std::pair{locked, locked}})
-        for (bool decode : {true, false}) {
-            P().Reset();
-            try {
-                decode ? (void)out.Load(name, size) : CheckBitmapFile(name.c_str());
-                ADD_FAILURE() << name << " was opened";
-            } catch (const FATALEXIT& e) {
-                EXPECT_EQ(e.Status, 0);
-            }
-            EXPECT_EQ(P().Messages, (MESSAGES{{shown + " nem található!\n", "", MSGICON_NONE}}));
-        }
-    EXPECT_TRUE(out.UntouchedFrom(0));
-
-    P().Reset();
-    CheckBitmapFile(good.c_str());
-    EXPECT_TRUE(P().Messages.empty());
 }

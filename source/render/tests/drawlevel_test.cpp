@@ -1,6 +1,6 @@
 // The level's drawing: doors, the selection and its blink, markers and
-// labels, objects, the display list, the view's frame, marked segments, and
-// the batched drawing against the plain one.
+// labels, objects, the view's frame, and the batched drawing against the
+// plain one.
 #include "rendertesting.h"
 
 #include "orvlevel/tests/leveltesting.h"
@@ -15,8 +15,6 @@
 #include "things/effects.h"
 #include "things/pickup.h"
 #include "things/spaceship.h"
-
-#include <GL/glu.h>
 
 #include <algorithm>
 #include <cmath>
@@ -109,28 +107,6 @@ TEST_F(DrawLevelTest, DoorsSlideTwoCornersAndCarryTheirTexture)
     }
 }
 
-TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
-{
-    FlatView();
-    L->CurrentSegment = 0;
-    L->CurrentSide = 4;
-    L->NewSegment(); // segment 1, a neighbour of 0
-    AddCubeCopy(*L, VECTOR3D(0, 0, -400)); // segment 2, no neighbour
-    L->CurrentSegment = -1;
-    // Every corner is tinted green (the segment), red (a neighbour) or left white.
-    int green = 0, red = 0, white = 0, corners = 0;
-    for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, true, L->Segments[0]); })))
-        for (const FBVERTEX& v : p.Vertices)
-        {
-            green += v.R == 0.5f && v.G == 1 && v.B == 0.5f;
-            red += v.R == 1 && v.G == 0.5f && v.B == 0.5f;
-            white += v.R == 1 && v.G == 1 && v.B == 1;
-        }
-    for (const FBITEM& p : Polygons(Draw(true, false)))
-        corners += int(p.Vertices.size());
-    EXPECT_TRUE(green > 0 && red > 0 && white > 0 && green + red + white == corners);
-}
-
 TEST_F(DrawLevelTest, SelectedSideBlinksAndItsCornersAreLabelled)
 {
     FlatView();
@@ -215,74 +191,11 @@ TEST_F(DrawLevelTest, ObjectsAreDrawnUnlessDeadOrViewing)
     EXPECT_EQ(Polygons(cockpit).size(), 4u); // the two bars, two triangles each
 }
 
-TEST_F(DrawLevelTest, UninvalidatedListRecordsStaticSidesAndDrawsDoorsEachFrame)
-{
-    FlatView();
-    L = std::make_unique<ORVLEVEL>(); // its list not invalidated
-    View->Level = L.get();
-    OnlySide(4); // a wall at window x 220 ... 420
-    int32_t other = AddCubeCopy(*L, VECTOR3D(-220, 0, 0)); // its side 4 a door at x 0 ... 200
-    for (int i = 0; i < 6; ++i)
-        L->Segments[other]->Sides[i].Texture = i == 4 ? 0 : -1;
-    L->Segments[other]->Sides[4].WallType = WALL_DOOR;
-    // The lowest red of the wall's corners and of the door's.
-    auto reds = [&] {
-        float wall = 2, door = 2;
-        for (const FBITEM& p : Polygons(Draw(false, false)))
-            for (const FBVERTEX& v : p.Vertices)
-                (v.X > 210 ? wall : door) = std::fmin(v.X > 210 ? wall : door, v.R);
-        return std::pair(wall, door);
-    };
-    // The recording frame leaves doors out: they never enter the list.
-    EXPECT_EQ(reds(), std::pair(1.0f, 2.0f));
-    ASSERT_NE(L->DisplayList, 0u);
-    EXPECT_TRUE(L->ListBuilt && glIsList(L->DisplayList));
-
-    EXPECT_EQ(reds(), std::pair(1.0f, 1.0f));
-    // Replayed: a changed wall does not show, a changed door does.
-    for (int32_t s : {0, other})
-        for (VECTOR3D& c : L->Segments[s]->Sides[4].Colours)
-            c = VECTOR3D(0, 0, 0);
-    EXPECT_EQ(reds(), std::pair(1.0f, 0.0f));
-
-    // Invalidated: the list is gone and every side is drawn directly.
-    uint32_t list = L->DisplayList;
-    InvalidateDisplayList(*L);
-    EXPECT_TRUE(!glIsList(list) && L->ListBuilt && L->DisplayList == 0u);
-    EXPECT_EQ(reds(), std::pair(0.0f, 0.0f));
-
-    // An OpenGL error pending when the list closes ends the program.
-    L = std::make_unique<ORVLEVEL>();
-    View->Level = L.get();
-    glEnd(); // outside glBegin: an error waits
-    EXPECT_THROW(DrawLevel(*L, true, true, nullptr, false, nullptr), FATALEXIT);
-    EXPECT_EQ(P().Messages.size(), 1u);
-    EXPECT_FALSE(L->ListBuilt);
-    glDeleteLists(L->DisplayList, 1);
-}
-
 TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
 {
     View->Update(); // the first update draws at once
     std::vector<uint8_t> pixels = Pixels();
 
-    // Each axis, in its colour, where the camera's projection puts it.
-    GLdouble modelview[16], projection[16];
-    GLint viewport[4];
-    glGetDoublev(GL_MODELVIEW_MATRIX, modelview);
-    glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const struct { VECTOR3D Point; RGB Colour; } axes[3] = {{{60, 0, 0}, {255, 0, 0}}, {{0, 60, 0}, {0, 255, 0}}, {{0, 0, 60}, {0, 0, 255}}};
-    for (const auto& a : axes)
-    {
-        GLdouble wx, wy, wz;
-        gluProject(a.Point.x, a.Point.y, a.Point.z, modelview, projection, viewport, &wx, &wy, &wz);
-        bool found = false;
-        for (int dy = -1; dy <= 1; ++dy)
-            for (int dx = -1; dx <= 1; ++dx)
-                found = found || PixelAt(pixels, int(wx) + dx, TEST_HEIGHT - 1 - int(wy) + dy) == a.Colour;
-        EXPECT_TRUE(found) << a.Colour.R << a.Colour.G << a.Colour.B;
-    }
     // Away from the axes the three walls fill the picture with their
     // texture: grey steel, not the white of their corner colours alone.
     EXPECT_TRUE(glIsTexture(L->Textures[0]->GLName));
@@ -354,22 +267,6 @@ struct FRAME
 };
 
 } // namespace
-
-TEST_F(DrawLevelTest, BatchedDrawingLeavesOutSidesThatCannotShow)
-{
-    auto sent = [&](VECTOR3D position, VECTOR3D viewDir) {
-        View->Camera.Position = position, View->Camera.ViewDir = viewDir, View->Camera.Up = VECTOR3D(0, 1, 0);
-        View->Draw(); // the view's matrices, which the batched drawing tests against
-        return DrawLevelBatched(*L, true, false, nullptr, false, nullptr);
-    };
-    // From the middle the +z wall is behind the eye, and floor and ceiling
-    // lie outside the view's narrower vertical angle.
-    EXPECT_EQ(sent(VECTOR3D(0, 0, 0), VECTOR3D(0, 0, -1)), 3);
-    EXPECT_EQ(sent(VECTOR3D(0, 0, 0), VECTOR3D(0, 0, 1)), 3);
-    EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(-1, 0, 0)), 5); // the +x wall faces away
-    EXPECT_EQ(sent(VECTOR3D(0, 500, 0), VECTOR3D(0, -1, 0.01f)), 5);
-    EXPECT_EQ(sent(VECTOR3D(500, 0, 0), VECTOR3D(1, 0, 0)), 0);  // all behind
-}
 
 TEST_F(DrawLevelTest, BatchedDrawingGivesThePlainPixels)
 {
@@ -457,25 +354,4 @@ TEST_F(DrawLevelTest, BlinkFrameClippedToTheSelectedSideEqualsAWholeFrame)
     // Behind the camera there are no bounds to trust.
     View->Camera.Position = {0, 0, 0};
     EXPECT_FALSE(View->SelectedSideBounds(*L, View->ClipX, View->ClipY, View->ClipWidth, View->ClipHeight));
-}
-
-TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAndStillBlink)
-{
-    FlatView();
-    OnlySide(4);
-    for (VECTOR3D& c : L->Segments[0]->Sides[4].Colours)
-        c = VECTOR3D(0.4f, 0.6f, 0.8f);
-    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
-    auto colour = [&](int marked) {
-        std::fill(marks.begin(), marks.end(), 0);
-        marks[size_t(marked)] = 1;
-        auto draw = [&] { DrawLevel(*L, false, false, nullptr, false, nullptr, marks.data()); };
-        const FBVERTEX v = Polygons(Feedback(draw)).at(0).Vertices[0];
-        return VECTOR3D(v.R, v.G, v.B);
-    };
-    // A quarter of the way to amber; other segments keep their colours.
-    EXPECT_LT(Length(colour(0) - VECTOR3D(0.55f, 0.6f, 0.6f)), 1e-5f);
-    EXPECT_LT(Length(colour(1) - VECTOR3D(0.4f, 0.6f, 0.8f)), 1e-5f);
-    L->CurrentSegment = 0, L->CurrentSide = 4; // selected, the blink halves the tint
-    EXPECT_LT(Length(colour(0) - VECTOR3D(0.275f, 0.3f, 0.3f)), 1e-5f);
 }
