@@ -191,6 +191,95 @@ TEST_F(DrawLevelTest, ObjectsAreDrawnUnlessDeadOrViewing)
     EXPECT_EQ(Polygons(cockpit).size(), 4u); // the two bars, two triangles each
 }
 
+TEST_F(DrawLevelTest, HighlightTintsASegmentAndItsNeighbours)
+{
+    FlatView();
+    L->CurrentSegment = 0;
+    L->CurrentSide = 4;
+    L->NewSegment(); // segment 1, a neighbour of 0
+    AddCubeCopy(*L, VECTOR3D(0, 0, -400)); // segment 2, no neighbour
+    L->CurrentSegment = -1;
+    // Every corner is tinted green (the segment), red (a neighbour) or left white.
+    int green = 0, red = 0, white = 0, corners = 0;
+    for (const FBITEM& p : Polygons(Feedback([&] { DrawLevel(*L, true, false, nullptr, true, L->Segments[0]); })))
+        for (const FBVERTEX& v : p.Vertices)
+        {
+            green += v.R == 0.5f && v.G == 1 && v.B == 0.5f;
+            red += v.R == 1 && v.G == 0.5f && v.B == 0.5f;
+            white += v.R == 1 && v.G == 1 && v.B == 1;
+        }
+    for (const FBITEM& p : Polygons(Draw(true, false)))
+        corners += int(p.Vertices.size());
+    EXPECT_TRUE(green > 0 && red > 0 && white > 0 && green + red + white == corners);
+}
+
+TEST_F(DrawLevelTest, UninvalidatedListRecordsStaticSidesAndDrawsDoorsEachFrame)
+{
+    FlatView();
+    L = std::make_unique<ORVLEVEL>(); // its list not invalidated
+    View->Level = L.get();
+    OnlySide(4); // a wall at window x 220 ... 420
+    int32_t other = AddCubeCopy(*L, VECTOR3D(-220, 0, 0)); // its side 4 a door at x 0 ... 200
+    for (int i = 0; i < 6; ++i)
+        L->Segments[other]->Sides[i].Texture = i == 4 ? 0 : -1;
+    L->Segments[other]->Sides[4].WallType = WALL_DOOR;
+    // The lowest red of the wall's corners and of the door's.
+    auto reds = [&] {
+        float wall = 2, door = 2;
+        for (const FBITEM& p : Polygons(Draw(false, false)))
+            for (const FBVERTEX& v : p.Vertices)
+                (v.X > 210 ? wall : door) = std::fmin(v.X > 210 ? wall : door, v.R);
+        return std::pair(wall, door);
+    };
+    // The recording frame leaves doors out: they never enter the list.
+    EXPECT_EQ(reds(), std::pair(1.0f, 2.0f));
+    ASSERT_NE(L->DisplayList, 0u);
+    EXPECT_TRUE(L->ListBuilt && glIsList(L->DisplayList));
+
+    EXPECT_EQ(reds(), std::pair(1.0f, 1.0f));
+    // Replayed: a changed wall does not show, a changed door does.
+    for (int32_t s : {0, other})
+        for (VECTOR3D& c : L->Segments[s]->Sides[4].Colours)
+            c = VECTOR3D(0, 0, 0);
+    EXPECT_EQ(reds(), std::pair(1.0f, 0.0f));
+
+    // Invalidated: the list is gone and every side is drawn directly.
+    uint32_t list = L->DisplayList;
+    InvalidateDisplayList(*L);
+    EXPECT_TRUE(!glIsList(list) && L->ListBuilt && L->DisplayList == 0u);
+    EXPECT_EQ(reds(), std::pair(0.0f, 0.0f));
+
+    // An OpenGL error pending when the list closes ends the program.
+    L = std::make_unique<ORVLEVEL>();
+    View->Level = L.get();
+    glEnd(); // outside glBegin: an error waits
+    EXPECT_THROW(DrawLevel(*L, true, true, nullptr, false, nullptr), FATALEXIT);
+    EXPECT_EQ(P().Messages.size(), 1u);
+    EXPECT_FALSE(L->ListBuilt);
+    glDeleteLists(L->DisplayList, 1);
+}
+
+TEST_F(DrawLevelTest, MarkedSegmentsAreTintedAndStillBlink)
+{
+    FlatView();
+    OnlySide(4);
+    for (VECTOR3D& c : L->Segments[0]->Sides[4].Colours)
+        c = VECTOR3D(0.4f, 0.6f, 0.8f);
+    std::vector<uint8_t> marks(MAX_SEGMENTS, 0);
+    auto colour = [&](int marked) {
+        std::fill(marks.begin(), marks.end(), 0);
+        marks[size_t(marked)] = 1;
+        auto draw = [&] { DrawLevel(*L, false, false, nullptr, false, nullptr, marks.data()); };
+        const FBVERTEX v = Polygons(Feedback(draw)).at(0).Vertices[0];
+        return VECTOR3D(v.R, v.G, v.B);
+    };
+    // A quarter of the way to amber; other segments keep their colours.
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.55f, 0.6f, 0.6f)), 1e-5f);
+    EXPECT_LT(Length(colour(1) - VECTOR3D(0.4f, 0.6f, 0.8f)), 1e-5f);
+    L->CurrentSegment = 0, L->CurrentSide = 4; // selected, the blink halves the tint
+    EXPECT_LT(Length(colour(0) - VECTOR3D(0.275f, 0.3f, 0.3f)), 1e-5f);
+}
+
 TEST_F(DrawLevelTest, ViewDrawsTheDefaultLevelFromTheStartUpCamera)
 {
     View->Update(); // the first update draws at once
