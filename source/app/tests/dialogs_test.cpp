@@ -180,13 +180,6 @@ TEST_F(DialogTest, PointDialogReadsNumbersInTheCLocale)
         Press(d, 108);
     }
     EXPECT_TRUE(p == VECTOR3D(12.3f, -0.1f, 7.0f) && Checkpoints == 1);
-    const uint64_t revision = L.Revision;
-    {
-        ORVEPOINTSETTINGSDLG d(Host); // nothing left to round: no change
-        ASSERT_TRUE(d.Init());
-        Press(d, 108);
-    }
-    EXPECT_EQ(L.Revision, revision);
 
     // A user locale with a decimal comma changes nothing.
     const bool comma = std::setlocale(LC_NUMERIC, "hu_HU.UTF-8") || std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
@@ -205,7 +198,7 @@ TEST_F(DialogTest, PointDialogReadsNumbersInTheCLocale)
         std::cout << "[ note ] no decimal-comma locale installed; checked in the C locale only\n";
 }
 
-TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
+TEST_F(DialogTest, SegmentTypeByRadioButtonAndKeyboard)
 {
     SEGMENT& s = *L.Segments[0];
     s.Type = SEGTYPE_SUPPORT;
@@ -226,33 +219,6 @@ TEST_F(DialogTest, SegmentAndWallTypesByRadioButtonAndKeyboard)
         EXPECT_FALSE(d.isVisible());
     }
     EXPECT_TRUE(s.Type == SEGTYPE_REPAIR && Checkpoints == 1);
-
-    SIDE& side = s.Sides[0];
-    side.WallType = WALL_NORMAL;
-    {
-        ORVEWALLTYPESDLG d(Host);
-        ASSERT_TRUE(d.Init());
-        EXPECT_TRUE(d.Checked(102));
-        d.SetChecked(105, true);
-        Press(d, 106);
-    }
-    EXPECT_TRUE(side.WallType == WALL_SEETHROUGH && Checkpoints == 2);
-
-    // A wall type no button stands for: nothing checked, "Alkalmaz" stays open.
-    side.WallType = 9;
-    const uint64_t revision = L.Revision;
-    {
-        ORVEWALLTYPESDLG d(Host);
-        ASSERT_TRUE(d.Init());
-        d.show();
-        for (int id = 101; id <= 105; ++id)
-            EXPECT_FALSE(d.Checked(id));
-        Press(d, 106);
-        EXPECT_TRUE(d.isVisible());
-        d.SetChecked(101, true);
-        Press(d, 107); // "Mégse"
-    }
-    EXPECT_TRUE(side.WallType == 9 && L.Revision == revision);
 }
 
 TEST_F(DialogTest, SideColoursUnclampedAndCustomChooserTruncatesToBytes)
@@ -288,52 +254,6 @@ TEST_F(DialogTest, SideColoursUnclampedAndCustomChooserTruncatesToBytes)
     Press(d, 134);
     EXPECT_EQ(d.Text(131) + " " + d.Text(132) + " " + d.Text(133), "1 2 3");
     EXPECT_EQ(L.Revision, revision); // the side changes only with "OK"
-}
-
-TEST_F(DialogTest, NewLightGoesWhereTheCameraIsWhenOkIsPressed)
-{
-    Cam.Position = {1, 2, 3};
-    {
-        ORVENEWLIGHTDLG d(Host);
-        ASSERT_TRUE(d.Init());
-        EXPECT_EQ(d.Text(102) + d.Text(104) + d.Text(106) + " " + d.Text(109), "255255255 10000");
-        WhenModal<QColorDialog>([](QColorDialog* c) {
-            c->setCurrentColor(QColor(10, 20, 30));
-            c->accept();
-        });
-        Press(d, 103);
-        EXPECT_EQ(d.Text(102) + " " + d.Text(104) + " " + d.Text(106), "10 20 30");
-        Type(d, 102, "510");
-        Type(d, 109, "2.5");
-        Cam.Position = {7, 8, 9};
-        Press(d, 105);
-    }
-    ASSERT_NE(L.Lights[0], nullptr);
-    EXPECT_TRUE(L.Lights[0]->Position == VECTOR3D(7, 8, 9) && L.Lights[0]->Brightness == 2.5f && Checkpoints == 1);
-    EXPECT_LT(Length(L.Lights[0]->Colour - VECTOR3D(2.0f, 20 / 255.0f, 30 / 255.0f)), 1e-5f);
-    ORVENEWLIGHTDLG cancelled(Host);
-    Press(cancelled, 107);
-    EXPECT_EQ(L.Lights[1], nullptr);
-}
-
-TEST_F(DialogTest, JoinDialogAnswersThreeMinusTheEntryOrKeepsThePrevious)
-{
-    const uint64_t revision = L.Revision;
-    auto run = [&](std::function<void(QDialog*)> answer, int32_t previous) {
-        WhenModal<QDialog>(answer);
-        return RunJoinDialog(Host, previous);
-    };
-    // The entry has the focus; what is typed is passed on unchecked (the
-    // other entries are the controller's test).
-    EXPECT_EQ(run([](QDialog* d) {
-        auto* edit = qobject_cast<QLineEdit*>(d->focusWidget());
-        ASSERT_TRUE(edit && edit->text() == "3");
-        edit->setText("7");
-        QTest::keyClick(edit, Qt::Key_Return);
-    }, 5), -4);
-    EXPECT_EQ(run([](QDialog* d) { d->close(); }, 5), 5);
-    EXPECT_EQ(run([](QDialog* d) { QTest::keyClick(d, Qt::Key_Escape); }, 1), 1);
-    EXPECT_EQ(L.Revision, revision);
 }
 
 TEST_F(DialogTest, PickColorKeepsOneTableOfCustomColoursForTheRun)
