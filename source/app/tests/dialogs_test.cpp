@@ -173,27 +173,20 @@ TEST_F(DialogTest, PointDialogReadsNumbersInTheCLocale)
 {
     VECTOR3D& p = *L.GetCurrentPointPtr();
     p = {12.34f, -0.06f, 7};
-    {
-        ORVEPOINTSETTINGSDLG d(Host);
-        ASSERT_TRUE(d.Init());
-        EXPECT_EQ(d.Text(105) + " " + d.Text(106) + " " + d.Text(107), "12.3 -0.1 7.0");
-        Press(d, 108);
-    }
-    EXPECT_TRUE(p == VECTOR3D(12.3f, -0.1f, 7.0f) && Checkpoints == 1);
 
     // A user locale with a decimal comma changes nothing.
     const bool comma = std::setlocale(LC_NUMERIC, "hu_HU.UTF-8") || std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
     {
         ORVEPOINTSETTINGSDLG d(Host);
         ASSERT_TRUE(d.Init());
-        EXPECT_EQ(d.Text(105), "12.3");
+        EXPECT_EQ(d.Text(105) + " " + d.Text(106) + " " + d.Text(107), "12.3 -0.1 7.0");
         Type(d, 105, "abc");
         Type(d, 106, " 1e2");
         Type(d, 107, "3.75,5");
         Press(d, 108);
     }
     std::setlocale(LC_NUMERIC, "C");
-    EXPECT_EQ(p, VECTOR3D(0, 100, 3.75f));
+    EXPECT_TRUE(p == VECTOR3D(0, 100, 3.75f) && Checkpoints == 1);
     if (!comma)
         std::cout << "[ note ] no decimal-comma locale installed; checked in the C locale only\n";
 }

@@ -79,28 +79,7 @@ protected:
 
 } // namespace
 
-TEST_F(TextureDialogTest, ListPositionsStandForFilledSlots)
-{
-    const std::string a = Picture("a.bmp"), b = Picture("b.bmp");
-    L.Add(Stored(a).c_str());
-    L.Add(Stored(b).c_str());
-    L.DeleteTexture(1); // slots 0 and 2 filled
-    const uint64_t revision = L.Revision;
-    {
-        ORVETEXTUREDLG d(Host);
-        ASSERT_TRUE(d.Init());
-        d.show();
-        ASSERT_EQ(List(d).count(), 2);
-        EXPECT_EQ(List(d).item(1)->text().toStdString(), MakeRelativePath(b));
-        EXPECT_EQ(d.Selection(), 0); // the current texture's entry
-        List(d).setCurrentRow(1);
-        Press(d, 106);
-        EXPECT_FALSE(d.isVisible());
-    }
-    EXPECT_TRUE(L.CurrentTexture == 2 && Checkpoints == 1 && L.Revision == revision); // a step of its own for undo
-}
-
-TEST_F(TextureDialogTest, LoadDeleteAndReplace)
+TEST_F(TextureDialogTest, LoadDeleteChooseAndReplace)
 {
     const std::string a = Picture("a.bmp"), b = Picture("b.bmp"), c = Picture("c.bmp");
     L.Add(Stored(a).c_str());
@@ -110,13 +89,15 @@ TEST_F(TextureDialogTest, LoadDeleteAndReplace)
 
     Press(d, 102); // the current texture's entry, slot 0
     EXPECT_TRUE(!L.Textures[0] && List(d).count() == 2 && Checkpoints == 1);
+    List(d).setCurrentRow(1); // slot 0 empty: row 1 stands for slot 2
+    Press(d, 106); // "OK" makes it current, a step of its own for undo
+    EXPECT_TRUE(L.CurrentTexture == 2 && Checkpoints == 2);
 
     Chosen = c;
     Press(d, 101); // into the first empty slot
-    EXPECT_TRUE(SlotOf(c) == 0 && List(d).count() == 3 && Checkpoints == 2);
+    EXPECT_TRUE(SlotOf(c) == 0 && List(d).count() == 3 && Checkpoints == 3);
 
     // "Csere" on the current texture: same slot, still current.
-    L.CurrentTexture = 2;
     Press(d, 104);
     EXPECT_EQ(d.Selection(), 2);
     Chosen = Picture("d.bmp");
@@ -125,7 +106,7 @@ TEST_F(TextureDialogTest, LoadDeleteAndReplace)
     List(d).setCurrentRow(0);
     Press(d, 105); // the first entry too
     // The view's context was made current before each texture was made or freed.
-    EXPECT_TRUE(SlotOf(Chosen) == 0 && Checkpoints == 4 && MakeCurrents == 4 && P().Messages.empty());
+    EXPECT_TRUE(SlotOf(Chosen) == 0 && Checkpoints == 5 && MakeCurrents == 4 && P().Messages.empty());
 }
 
 TEST_F(TextureDialogTest, RefusedBitmapsLeaveEverythingAsItWas)

@@ -56,7 +56,7 @@ TEST_F(WindowTest, MenuItemsHaveTheAcceleratorsTheyShow)
     EXPECT_FALSE(W->Action(11842)->isEnabled() || W->Action(11846)->isEnabled() || W->Action(11883)->isEnabled());
 }
 
-TEST_F(WindowTest, AcceleratorsKeysMouseAndClicksReachTheLevelAndCamera)
+TEST_F(WindowTest, ClicksAcceleratorsAndMouseLookReachTheLevelAndCamera)
 {
     Open();
     // A click at the centre picks what the picking ray hits: side 2.
@@ -126,9 +126,6 @@ TEST_F(WindowTest, FramesAreDrawnOnlyWhenTheyCouldDiffer)
     };
     drew(41);
     EXPECT_FALSE(drew(41)); // nothing changed, nothing drawn
-    Cam().Move(CAM_FORWARD, 1);
-    EXPECT_TRUE(drew(41));
-    drew(41);
     W->Command(11874); // a change to the level
     EXPECT_TRUE(drew(41));
 
@@ -151,7 +148,6 @@ TEST_F(WindowTest, RecoveryCopyIsOfferedAtStart)
     Open();
     ASSERT_FALSE(P().Messages.empty());
     EXPECT_TRUE(P().Messages[0].Icon == MSGICON_QUESTION && L().Segments[1] && W->Document()->Modified());
-    EXPECT_EQ(W->windowTitle().toStdString(), (Dir / "mine.ORVLevel").string() + " - Orvane Builder");
 
     // While it runs, unsaved work is copied within the second (the first
     // copy at once, later ones at the interval).
