@@ -50,7 +50,8 @@ TEST_F(PanelsTest, CheckPanelFollowsTheLevelAndRepairsAsOneStep)
     Lines().setCurrentItem(Lines().topLevelItem(row));
     EXPECT_TRUE(L().CurrentSegment == 0 && L().CurrentSide == 4);
     FixButton(row)->click();
-    EXPECT_TRUE(L().Segments[0]->Sides[4].Texture == -1 && Count() == 1 && W->Document()->History.Steps() == steps + 1);
+    EXPECT_TRUE(L().Segments[0]->Sides[4].Texture == -1 && Count() == 1);
+    EXPECT_EQ(W->Document()->History.Steps(), steps + 1);
 }
 
 TEST_F(PanelsTest, ObjectListFliesToAndDeletesObjects)

@@ -41,7 +41,8 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
     Step();
     Key(103, false);
     Key(57, false, Qt::Key_Space);
-    EXPECT_TRUE(ship.position == camera.Position + camera.ViewDir * 10.0f && ship.energy < 100.0f); // Space fired
+    // Up moved it, Space fired.
+    EXPECT_TRUE(ship.position == camera.Position + camera.ViewDir * 10.0f && ship.energy < 100.0f);
     QTest::keyClick(W->View(), Qt::Key_S, Qt::AltModifier); // an accelerator: resting
     EXPECT_EQ(edited.Segments[1], nullptr);
 
