@@ -4,15 +4,8 @@
 #include "app/tests/windowtesting.h"
 #include "things/spaceship.h"
 
-#include <QApplication>
-#include <QCursor>
-#include <QKeyEvent>
 #include <QMenuBar>
 #include <QTest>
-
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -45,28 +38,13 @@ TEST_F(PlayWindowTest, F5FliesTheShipAndEscapeBringsTheEditorBack)
 
     Key(103, true); // Up: forward
     Key(57, true, Qt::Key_Space);
-    Key(15, true, Qt::Key_Tab);
     Step();
     Key(103, false);
     Key(57, false, Qt::Key_Space);
-    Key(15, false, Qt::Key_Tab);
-    EXPECT_EQ(ship.position, camera.Position + camera.ViewDir * 10.0f);
-    EXPECT_TRUE(ship.energy < 100.0f && ship.tempestCount == 9); // Space fired, Tab launched
-    const bool side = ship.launchSide;
-    QTest::keyClick(W->View(), Qt::Key_M);
-    EXPECT_NE(ship.launchSide, side);
+    // Up moved it, Space fired.
+    EXPECT_TRUE(ship.position == camera.Position + camera.ViewDir * 10.0f && ship.energy < 100.0f);
     QTest::keyClick(W->View(), Qt::Key_S, Qt::AltModifier); // an accelerator: resting
     EXPECT_EQ(edited.Segments[1], nullptr);
-
-    // Mouse look: 100 px right of the centre turns the ship right by 0.1.
-    const QPoint centre = Centre();
-    CAMERA turned = camera;
-    turned.Move(CAM_TURNRIGHT, 0.1f);
-    QTest::mousePress(W->View(), Qt::RightButton, {}, centre);
-    QCursor::setPos(W->View()->mapToGlobal(centre + QPoint(100, 0)));
-    Step();
-    QTest::mouseRelease(W->View(), Qt::RightButton, {}, centre);
-    EXPECT_TRUE(ship.axisX == turned.ViewDir && W->Camera()->ViewDir == camera.ViewDir);
 
     // The cockpit's shield bar, left of the centre and below it.
     const QImage frame = W->View()->grabFramebuffer();

@@ -32,28 +32,6 @@ std::vector<std::string> Selections(const std::string& out)
 
 } // namespace
 
-TEST_F(RunTest, EditsAreSavedAndDumpedAsTheToolDoes)
-{
-    RUN r = Run("# extrude from the top, nudge a corner\r\n"
-                "\r\n"
-                "select +0 0 +2   # corner 2 of side 0 is point 4\r\n"
-                "command 11853\n"
-                "  \t\n"
-                "select 0 0 0\n"
-                "command 11847\n"
-                "select -1 0 0   # files keep no selection\n"
-                "save  " + Path("my level.ORVLevel") + " \r\n"
-                "dump -\n"
-                "dump " + Path("copy.json")); // no line end
-    EXPECT_TRUE(r.Status == 0 && r.Err.empty());
-    EXPECT_EQ(r.Out, Cli({"dump", Path("my level.ORVLevel")}).Out);
-    EXPECT_EQ(ReadText(In("copy.json")), r.Out);
-    EXPECT_NE(r.Out.find(R"({"index": 4, "x": -99, "y": 100, "z": -100})"), std::string::npos);
-
-    r = Run("load " + Path("my level.ORVLevel") + "\ndump -\n");
-    EXPECT_TRUE(r.Status == 0 && r.Out == ReadText(In("copy.json")));
-}
-
 TEST_F(RunTest, CameraViewportClicksAndLights)
 {
     // From the start-up camera the centre pixel shows side 2. Inside the cube
@@ -75,29 +53,6 @@ TEST_F(RunTest, CameraViewportClicksAndLights)
     EXPECT_NE(r.Out.find(R"("lights": [{"index": 0, "position": [-150, 0, 0], "colour": [1, 0.5019608, 0], "brightness": 10000}, )"
                          R"({"index": 1, "position": [-150, 0, 0], "colour": [0.2, 0.04901961, 0], "brightness": 1000}])"),
               std::string::npos);
-}
-
-TEST_F(RunTest, JoinAndFitModes)
-{
-    // Segment 0's top and the bottom of a cell 200 above it face each other;
-    // the camera is in that cell, looking down at its bottom.
-    const std::string gap = "select 0 0 0\ncommand 11847\nselect 1 4 0\ncommand 11847\n"
-                            "select 1 0 0\ncommand 11865\n"
-                            "select 0 0 0\ncamera 0 400 0  0 -1 0  0 0 -1  1 0 0\n";
-    const std::string joined = R"("neighbours": [2, -1, -1, -1, -1, -1])";
-    // The join itself is the controller's test; here, that the shift typed
-    // reaches it.
-    RUN typed3 = Run(gap + "joinmode 3\nclick 320 240\ndump -\n");
-    RUN typed1 = Run(gap + "joinmode 1\nclick 320 240\ndump -\n");
-    for (const RUN* r : {&typed3, &typed1})
-        EXPECT_TRUE(r->Status == 0 && r->Err.empty() && r->Out.find(joined) != std::string::npos) << r->Err;
-    EXPECT_NE(typed1.Out, typed3.Out);
-
-    // Fit mode carries side 2's texture to the clicked side 3 (refusals are
-    // the controller's test).
-    RUN r = Run("select 0 2 0\nfitmode\ncamera 0 0 0  -1 0 0  0 1 0  0 0 -1\nclick 320 240\ndump -\n");
-    EXPECT_TRUE(r.Status == 0 && r.Err.empty());
-    EXPECT_NE(r.Out.find(R"("texCoords": [[-1, 1], [-1, 0], [0, 0], [0, 1]])"), std::string::npos);
 }
 
 TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
@@ -139,15 +94,4 @@ TEST_F(RunTest, ABadLineStopsTheScriptAfterWhatCameBefore)
     r = Cli({"run", Path("none")});
     EXPECT_TRUE(r.Status == 1 && r.Err == "orvane-cli run: cannot read " + Path("none") + ": No such file or directory\n")
         << r.Err;
-}
-
-TEST_F(RunTest, UndoAndRedoRetraceScriptedEdits)
-{
-    // Exact images are the history's test; here, that each line is a step
-    // and that refusals beep.
-    RUN r = Run("save " + Path("0.ORVLevel") + "\nselect 0 0 2\ncommand 11847\nlight 255 0 0 100\n"
-                "undo\nundo\nsave " + Path("0u.ORVLevel") + "\nundo\nredo\nredo\nredo\ndump -\n");
-    EXPECT_TRUE(r.Status == 0 && r.Err == "beep\nbeep\n");
-    EXPECT_EQ(ReadText(In("0u.ORVLevel")), ReadText(In("0.ORVLevel")));
-    EXPECT_NE(r.Out.find(R"("brightness": 100)"), std::string::npos);
 }
