@@ -1,6 +1,6 @@
 // The main window under a real X server (Xvfb) with an OpenGL view: the menu
-// against its table, accelerators, mouse look, clicks, the file flow, the
-// frame loop and the recovery copy offered at start.
+// against its table, accelerators, keys by scan code, mouse look,
+// clicks, the file flow, the frame loop, undo and recovery.
 #include "app/tests/dialogtesting.h"
 #include "app/tests/windowtesting.h"
 
@@ -148,4 +148,15 @@ TEST_F(WindowTest, RecoveryCopyIsOfferedAtStart)
     Open();
     ASSERT_FALSE(P().Messages.empty());
     EXPECT_TRUE(P().Messages[0].Icon == MSGICON_QUESTION && L().Segments[1] && W->Document()->Modified());
+
+    // While it runs, unsaved work is copied within the second (the first
+    // copy at once, later ones at the interval).
+    W->Recovery()->Remove();
+    L().CurrentSegment = 0;
+    W->Command(11847);
+    for (int i = 0; i < 30 && !fs::exists(W->Recovery()->Path()); ++i)
+        QTest::qWait(100);
+    RECOVERYCOPY copy;
+    ASSERT_EQ(W->Recovery()->Find(copy), ORVERECOVERY::INTACT);
+    EXPECT_EQ(copy.Image, L().Serialize());
 }

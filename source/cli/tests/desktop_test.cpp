@@ -1,6 +1,8 @@
-// The tool as an installed program meets it: started from any folder, and
-// from the Debian package.
+// The tool as an installed program meets it: started from any folder, with
+// no data files at all, and from the Debian package.
 #include "clitest.h"
+
+#include <sstream>
 
 namespace {
 
@@ -45,6 +47,49 @@ TEST_F(DesktopTest, DataFilesAreFoundFromAnyFolder)
 
 // The package holds everything a desktop asks for, and its programs find its
 // data from any folder.
+TEST_F(DesktopTest, EveryCommandFailsWithoutItsDataFiles)
+{
+    MakeLevels();
+    fs::create_directories(Dir / "bare" / "bin");
+    const fs::path copy = Dir / "bare" / "bin" / "orvane-cli";
+    fs::copy_file(ORV_CLI_PATH, copy);
+    WriteText(In("dump.script"), "dump -\n");
+    const std::map<std::string, std::string> env = {{"XDG_DATA_DIRS", Path("bare")}};
+
+    const std::map<std::string, std::vector<std::string>> fixed = {
+        {"mesh", {"SpaceShip.lwo", "1"}}, {"wave", {"Missile.wav"}}, {"run", {Path("dump.script")}},
+        {"check", {Path("ship.ORVLevel")}}};
+    std::istringstream usage(Cli({"help"}).Out);
+    std::string line;
+    int commands = 0;
+    while (std::getline(usage, line))
+    {
+        std::istringstream words(line);
+        std::string tool, name, word;
+        if (!(words >> tool >> name) || tool != "orvane-cli")
+            continue;
+        std::vector<std::string> args = {name};
+        if (fixed.count(name))
+            args.insert(args.end(), fixed.at(name).begin(), fixed.at(name).end());
+        else
+            while (words >> word && word[0] >= 'A' && word[0] <= 'Z')
+                if (word.find("TICKS") == 0 || word.find("SEED") == 0)
+                    args.push_back("1");
+                else if (word.find("OUT") == 0)
+                    args.push_back(Path(("out-" + name).c_str()));
+                else
+                    args.push_back(Path("ship.ORVLevel"));
+        ++commands;
+        RUN r = RunIn(copy, Dir / "elsewhere", args, env);
+        EXPECT_TRUE(r.Status != 0 && r.Status != 2) << name << ": " << r.Err;
+        EXPECT_TRUE(r.Err.find(" nem található!") != std::string::npos ||
+                    r.Err.find("File not found: Missile.wav") != std::string::npos)
+            << name << ": " << r.Err;
+        EXPECT_FALSE(fs::exists(In(("out-" + name).c_str()))) << name;
+    }
+    EXPECT_GE(commands, 9);
+}
+
 TEST_F(DesktopTest, DebianPackageRunsFromAnyFolder)
 {
     if (!fs::exists("/usr/bin/dpkg-deb"))
