@@ -9,6 +9,39 @@
 #include "render/gltexture.h"
 #include "things/effects.h"
 
+namespace {
+
+// Counts frames; the host's steps count into the caller's variables, which
+// exist before the base constructor makes the context current.
+class COUNTINGVIEW : public GLRENDERINGCONTEXT
+{
+public:
+    int Draws = 0;
+    COUNTINGVIEW(int& currents, int& swaps)
+        : GLRENDERINGCONTEXT([&currents] { ++currents; }, [&swaps] { ++swaps; })
+    {
+    }
+    void Draw() override { ++Draws; }
+};
+
+using ContextTest = PlatformTest;
+
+} // namespace
+
+TEST_F(ContextTest, UpdateDrawsAtOnceThenEvery40Ms)
+{
+    int currents = 0, swaps = 0;
+    COUNTINGVIEW view(currents, swaps);
+    EXPECT_EQ(currents, 1);
+    view.Update(); // the frame timer starts unarmed
+    EXPECT_TRUE(view.Draws == 1 && swaps == 1);
+    P().Now += 40; // not strictly more than 40 ms yet
+    view.Update();
+    EXPECT_EQ(view.Draws, 1);
+    P().Now += 1;
+    view.Update();
+    EXPECT_TRUE(view.Draws == 2 && swaps == 2 && currents == 3); // made current before each frame
+}
 
 TEST_F(RenderTest, GlyphListsDrawTheirBitmap)
 {
