@@ -40,11 +40,7 @@ public:
                 ++At; // ':'
                 path += '.';
                 path += key;
-                Value(path);
-                path.resize(keep);
-                Skip();
-                if (At < S.size() && S[At] == ',')
-                    ++At;
+                Member(path, keep);
             }
             ++At;
         }
@@ -57,11 +53,7 @@ public:
                 path += '[';
                 path += std::to_string(n++);
                 path += ']';
-                Value(path);
-                path.resize(keep);
-                Skip();
-                if (At < S.size() && S[At] == ',')
-                    ++At;
+                Member(path, keep);
             }
             ++At;
         }
@@ -78,6 +70,16 @@ public:
     }
 
 private:
+    // One member or element: its value, then past the comma that may follow.
+    void Member(std::string& path, size_t keep)
+    {
+        Value(path);
+        path.resize(keep);
+        Skip();
+        if (At < S.size() && S[At] == ',')
+            ++At;
+    }
+
     std::string_view S;
     std::vector<LEAF>& Out;
     size_t At = 0;
